@@ -1,0 +1,114 @@
+#include "qv/StringLocks.h"
+#include "qv/detail/Placeholders.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <limits>
+#include <new>
+#include <vector>
+
+namespace qv {
+
+namespace {
+
+using Text = std::u16string_view;
+
+Text asText(const char16_t* text) {
+    return {text, static_cast<std::size_t>(QVStrLenW_32(text))};
+}
+
+/// The pattern with each placeholder whose index is below the number of texts filled, in a new buffer
+/// counted for the caller.
+IQVCharBuffer* takeFilled(Text pattern, const std::vector<Text>& texts) {
+    std::size_t length = pattern.size();
+    detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
+        if (placeholder.index < texts.size()) {
+            length += texts[placeholder.index].size();
+            length -= placeholder.end - placeholder.start;
+        }
+    });
+    if (length >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw std::bad_alloc();
+    }
+
+    const Reference<util::RWCharBuffer> buffer(
+        new util::RWCharBuffer(static_cast<int>(length) + 1));
+    char16_t* target = buffer->ensureCapacity(0);
+    std::size_t copied = 0;
+    detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
+        if (placeholder.index < texts.size()) {
+            target = std::copy(pattern.begin() + static_cast<std::ptrdiff_t>(copied),
+                               pattern.begin() + static_cast<std::ptrdiff_t>(placeholder.start),
+                               target);
+            target = std::ranges::copy(texts[placeholder.index], target).out;
+            copied = placeholder.end;
+        }
+    });
+    *std::ranges::copy(pattern.substr(copied), target).out = 0;
+    buffer->releaseWriteLock(static_cast<int>(length) + 1);
+    buffer->AddRef();
+    return buffer;
+}
+
+template <class Value> String integerText(Value value) {
+    char digits[24];
+    char* const end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
+    char16_t units[24];
+    const char16_t* const last = std::copy(digits, end, units);
+    return String(units, static_cast<int>(last - units));
+}
+
+/// The runtime formatter honours the runtime locale, whose decimal separator may be any text of the
+/// default encoding.
+String floatText(double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%g", value);
+    String result;
+    result.setTo(text);
+    return result;
+}
+
+using namespace literals;
+
+} // namespace
+
+const String& String::formatTexts(const char16_t* pattern, int length, const char16_t* const* texts,
+                                  int count) {
+    const Text whole(pattern, static_cast<std::size_t>(detail::measured(pattern, length)));
+    const std::size_t used =
+        std::min(detail::consecutivePlaceholders(whole), static_cast<std::size_t>(count));
+    std::vector<Text> arguments(used);
+    std::transform(texts, texts + used, arguments.begin(), asText);
+    IQVCharBuffer* const filled = takeFilled(whole, arguments);
+    dropNarrowCache();
+    adopt(filled);
+    return *this;
+}
+
+const String& String::formatv(const char16_t* pattern, int length, va_list arguments) {
+    length = detail::measured(pattern, length);
+    std::vector<const char16_t*> texts(
+        detail::consecutivePlaceholders({pattern, static_cast<std::size_t>(length)}));
+    for (const char16_t*& text : texts) {
+        text = va_arg(arguments, const char16_t*);
+    }
+    return formatTexts(pattern, length, texts.data(), static_cast<int>(texts.size()));
+}
+
+const String& String::formatv(String pattern, va_list arguments) {
+    return formatv(pattern.getData(), pattern.getLength(), arguments);
+}
+
+String String::valueOf(int value) { return integerText(value); }
+String String::valueOf(unsigned int value) { return integerText(value); }
+String String::valueOf(long value) { return integerText(value); }
+String String::valueOf(unsigned long value) { return integerText(value); }
+String String::valueOf(long long value) { return integerText(value); }
+String String::valueOf(unsigned long long value) { return integerText(value); }
+String String::valueOf(float value) { return floatText(static_cast<double>(value)); }
+String String::valueOf(double value) { return floatText(value); }
+String String::valueOf(bool value) { return value ? u"true"_lit : u"false"_lit; }
+String String::valueOf(char16_t value) { return String(value); }
+
+} // namespace qv

@@ -1,0 +1,143 @@
+#include "qv/io/InputStreamReader.h"
+
+#include "qv/io/detail/StreamClosed.h"
+#include "qv/text/charset/UTF32Converters.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qv::io {
+
+using text::charset::ByteToCharConverter;
+
+namespace {
+
+constexpr char16_t replacement = u'\uFFFD';
+
+/// The bytes that a decoder must be given together: UTF-32 reads whole words, also past the end.
+std::int32_t wordSizeOf(ByteToCharConverter* converter) {
+    return dynamic_cast<text::charset::BTCUTF32*>(converter) != nullptr ? 4 : 1;
+}
+
+} // namespace
+
+InputStreamReader::InputStreamReader(InputStream* in, const char16_t* encoding, std::int32_t size)
+    : in_(in), converter_(ByteToCharConverter::getConverter(encoding)),
+      bufferSize_(std::max({size, 6, converter_->getMaxBytesPerChar()})),
+      buffer_(std::make_unique_for_overwrite<signed char[]>(static_cast<std::size_t>(bufferSize_))),
+      wordSize_(wordSizeOf(converter_)) {}
+
+InputStreamReader::~InputStreamReader() = default;
+
+void InputStreamReader::ensureOpen() const {
+    if (converter_.get() == nullptr) {
+        detail::throwStreamClosed();
+    }
+}
+
+std::int32_t InputStreamReader::read(char16_t* destination, std::int32_t length) {
+    ensureOpen();
+    if (length < 1) {
+        return 0;
+    }
+    std::int32_t written = takeHeldUnit(destination);
+    bool stuck = false; // the decoder has left bytes behind
+    while (written < length) {
+        if (stuck || isUsedUp()) {
+            if (!endOfInput_ && written > 0 && (isFull() || in_->available() == 0)) {
+                return written;
+            }
+            if (!fillBuffer()) {
+                if (isUsedUp()) {
+                    converter_->flush(destination, &written, length);
+                    return written > 0 ? written : -1;
+                }
+                destination[written++] = replacement;
+                ++bufferPos_;
+                stuck = false;
+                continue;
+            }
+        }
+        stuck = convertBuffer(destination, &written, length);
+    }
+    return written;
+}
+
+/// Brings the bytes left behind to the front and reads on behind them.
+/// @return false if nothing can come: at the end of the stream, or with the whole buffer left
+/// behind.
+bool InputStreamReader::fillBuffer() {
+    if (endOfInput_ || isFull()) {
+        return false;
+    }
+    const std::int32_t left = bufferEnd_ - bufferPos_;
+    std::copy_n(buffer_.get() + bufferPos_, left, buffer_.get());
+    bufferPos_ = 0;
+    bufferEnd_ = left;
+    const std::int32_t read = in_->read(buffer_.get() + left, bufferSize_ - left);
+    if (read == -1) {
+        endOfInput_ = true;
+        return false;
+    }
+    bufferEnd_ += read;
+    return true;
+}
+
+/// @return true if the decoder has left bytes behind.
+bool InputStreamReader::convertBuffer(char16_t* destination, std::int32_t* written,
+                                      std::int32_t length) {
+    const std::int32_t bytes = bufferEnd_ - bufferPos_;
+    const std::int32_t end = bufferPos_ + bytes / wordSize_ * wordSize_;
+    converter_->convert(buffer_.get(), &bufferPos_, end, destination, written, length);
+    if (length == 1 && *written == 0 && !isUsedUp()) {
+        *written = convertIntoSingleUnit(destination, end);
+    }
+    return !isUsedUp();
+}
+
+/// Decodes a character of two units where there is room for one, and holds the second for the next
+/// read.
+/// @return units written.
+std::int32_t InputStreamReader::convertIntoSingleUnit(char16_t* destination, std::int32_t end) {
+    char16_t units[2];
+    std::int32_t count = 0;
+    converter_->convert(buffer_.get(), &bufferPos_, end, units, &count, 2);
+    if (count == 2) {
+        heldUnit_ = units[1];
+    }
+    if (count == 0) {
+        return 0;
+    }
+    *destination = units[0];
+    return 1;
+}
+
+std::int32_t InputStreamReader::takeHeldUnit(char16_t* destination) noexcept {
+    if (!heldUnit_) {
+        return 0;
+    }
+    *destination = *std::exchange(heldUnit_, std::nullopt);
+    return 1;
+}
+
+std::int32_t InputStreamReader::available() {
+    ensureOpen();
+    auto bytes = static_cast<std::uint32_t>(in_->available());
+    if (bufferEnd_ > 0) {
+        bytes += static_cast<std::uint32_t>(bufferEnd_ - bufferPos_);
+    }
+    return static_cast<std::int32_t>(bytes) / std::max(converter_->getMaxBytesPerChar(), 1);
+}
+
+void InputStreamReader::close() {
+    converter_ = nullptr;
+    buffer_.reset();
+    in_->close();
+}
+
+const char16_t* InputStreamReader::getEncodingName() {
+    ensureOpen();
+    return converter_->getEncodingName();
+}
+
+} // namespace qv::io

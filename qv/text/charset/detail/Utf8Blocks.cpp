@@ -1,0 +1,349 @@
+#include "qv/text/charset/detail/Utf8Blocks.h"
+
+#include "qv/text/charset/detail/UnitRuns.h"
+
+#include <array>
+#include <immintrin.h>
+
+/// The functions of a kernel are compiled for its processor, whatever the rest is compiled for.
+#define QV_TARGET_SSE42 [[gnu::target("sse4.2,popcnt")]]
+
+namespace qv::text::charset::detail {
+
+namespace {
+
+constexpr int vectorBytes = 16;
+
+__m128i splat8(int byte) noexcept { return _mm_set1_epi8(static_cast<char>(byte)); }
+__m128i splat16(int word) noexcept { return _mm_set1_epi16(static_cast<short>(word)); }
+
+__m128i loadRow(const unsigned char* row) noexcept {
+    return _mm_load_si128(reinterpret_cast<const __m128i*>(row));
+}
+
+/// A row of a shuffle table; 0x80 gives a zero byte.
+struct alignas(vectorBytes) Shuffle {
+    unsigned char bytes[vectorBytes];
+
+    constexpr void clear() {
+        for (unsigned char& byte : bytes) {
+            byte = 0x80;
+        }
+    }
+};
+
+using ShuffleTable = std::array<Shuffle, 256>;
+
+// --- Decoding ---
+//
+// Sixteen bytes at a time, and for every byte the unit that it would end, made from it and the two bytes
+// in front of it; the units of the bytes that do end a character are then moved together. What a byte
+// ends is told by lead bytes alone, so that no window needs to know the one behind it.
+//
+// Source for the check: J. Keiser, D. Lemire, "Validating UTF-8 In Less Than One Instruction Per Byte",
+// Software: Practice and Experience 51 (2021), with other error classes.
+// Source for the shuffles by table: D. Lemire, W. Mula, "Transcoding Billions of Unicode Characters per
+// Second with SIMD Instructions", Software: Practice and Experience 52 (2022).
+
+/// What is wrong, or not for a kernel, about a byte and the one behind it.
+enum PairError : unsigned char {
+    tooShort = 0x01,  ///< a lead byte without a continuation byte
+    tooLong = 0x02,   ///< a continuation byte behind an ASCII byte
+    notALead = 0x04,  ///< 0xC0 or 0xC1, and a continuation byte
+    surrogate = 0x08, ///< a three-byte sequence of a surrogate
+    fourBytes = 0x10, ///< 0xF0 to 0xFF, and a continuation byte
+    twoMore = 0x80,   ///< two continuation bytes: right only in third place
+};
+
+alignas(vectorBytes) constexpr unsigned char errorsByFirstHigh[16] = {
+    tooLong, tooLong, tooLong, tooLong, tooLong, tooLong, tooLong, tooLong,
+    twoMore, twoMore, twoMore, twoMore,
+    tooShort | notALead, tooShort, tooShort | surrogate, tooShort | fourBytes,
+};
+
+constexpr unsigned char byAnyLow = tooShort | tooLong | fourBytes | twoMore;
+
+alignas(vectorBytes) constexpr unsigned char errorsByFirstLow[16] = {
+    byAnyLow | notALead, byAnyLow | notALead,  byAnyLow, byAnyLow, byAnyLow, byAnyLow,
+    byAnyLow,            byAnyLow,             byAnyLow, byAnyLow, byAnyLow, byAnyLow,
+    byAnyLow,            byAnyLow | surrogate, byAnyLow, byAnyLow,
+};
+
+constexpr unsigned char byContinuation = tooLong | notALead | fourBytes | twoMore;
+
+alignas(vectorBytes) constexpr unsigned char errorsBySecondHigh[16] = {
+    tooShort, tooShort, tooShort, tooShort, tooShort, tooShort, tooShort, tooShort,
+    byContinuation, byContinuation, byContinuation | surrogate, byContinuation | surrogate,
+    tooShort, tooShort, tooShort, tooShort,
+};
+
+/// Moves the words whose bits are set to the front.
+constexpr ShuffleTable makeGathers() {
+    ShuffleTable table{};
+    for (unsigned mask = 0; mask < table.size(); ++mask) {
+        table[mask].clear();
+        unsigned char* to = table[mask].bytes;
+        for (unsigned word = 0; word < 8; ++word) {
+            if ((mask >> word & 1) != 0) {
+                *to++ = static_cast<unsigned char>(2 * word);
+                *to++ = static_cast<unsigned char>(2 * word + 1);
+            }
+        }
+    }
+    return table;
+}
+
+constexpr ShuffleTable gathers = makeGathers();
+
+/// Sixteen bytes, and for each the byte before and the byte before that.
+struct Window {
+    __m128i bytes, before, twoBefore;
+};
+
+QV_TARGET_SSE42 inline Window window(__m128i bytes, __m128i previous) noexcept {
+    return {bytes, _mm_alignr_epi8(bytes, previous, 15), _mm_alignr_epi8(bytes, previous, 14)};
+}
+
+QV_TARGET_SSE42 inline __m128i lookUp(const unsigned char* table, __m128i indices) noexcept {
+    return _mm_shuffle_epi8(loadRow(table), indices);
+}
+
+QV_TARGET_SSE42 inline __m128i highNibbles(__m128i bytes) noexcept {
+    return _mm_and_si128(_mm_srli_epi16(bytes, 4), splat8(0x0F));
+}
+
+/// Not zero where a window holds anything but well-formed characters up to U+FFFF.
+QV_TARGET_SSE42 inline __m128i errors(const Window& w) noexcept {
+    const __m128i byFirst =
+        _mm_and_si128(lookUp(errorsByFirstHigh, highNibbles(w.before)),
+                      lookUp(errorsByFirstLow, _mm_and_si128(w.before, splat8(0x0F))));
+    const __m128i found = _mm_and_si128(byFirst, lookUp(errorsBySecondHigh, highNibbles(w.bytes)));
+    const __m128i isThird = _mm_subs_epu8(w.twoBefore, splat8(0xE0 - 0x80));
+    return _mm_xor_si128(found, _mm_and_si128(isThird, splat8(0x80)));
+}
+
+/// One bit for each byte that ends a character: it is no lead byte, nor the second byte of three.
+QV_TARGET_SSE42 inline unsigned endsOf(const Window& w) noexcept {
+    const __m128i isLead = _mm_subs_epu8(w.bytes, splat8(0xC0 - 0x80));
+    const __m128i isSecondOfThree = _mm_subs_epu8(w.before, splat8(0xE0 - 0x80));
+    const int open = _mm_movemask_epi8(_mm_or_si128(isLead, isSecondOfThree));
+    return static_cast<unsigned>(open) ^ 0xFFFFu;
+}
+
+/// Writes the units of eight bytes. @return the end of what was written; eight units are scratch.
+QV_TARGET_SSE42 inline char16_t* gather(char16_t* out, __m128i units, unsigned ends) noexcept {
+    storeVector(out, _mm_shuffle_epi8(units, loadRow(gathers[ends].bytes)));
+    return out + _mm_popcnt_u32(ends);
+}
+
+/// Writes the characters that end in a window. Requires: no errors in it.
+QV_TARGET_SSE42 inline char16_t* writeEnded(char16_t* out, const Window& w) noexcept {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i isTail = _mm_cmpgt_epi8(zero, w.bytes);
+    const __m128i low = _mm_and_si128(w.bytes, splat8(0x7F));
+    const __m128i middle = _mm_and_si128(w.before, _mm_and_si128(isTail, splat8(0x3F)));
+    const __m128i high = _mm_slli_epi16(_mm_subs_epu8(w.twoBefore, splat8(0xE0)), 4);
+    const unsigned ends = endsOf(w);
+    const __m128i first = _mm_or_si128(_mm_unpacklo_epi8(low, high),
+                                       _mm_slli_epi16(_mm_unpacklo_epi8(middle, zero), 6));
+    const __m128i second = _mm_or_si128(_mm_unpackhi_epi8(low, high),
+                                        _mm_slli_epi16(_mm_unpackhi_epi8(middle, zero), 6));
+    return gather(gather(out, first, ends & 0xFF), second, ends >> 8);
+}
+
+/// Bytes at the end of a converted block that begin a character without ending it.
+inline int openBytes(const signed char* blockEnd) noexcept {
+    const bool one = static_cast<unsigned char>(blockEnd[-1]) >= 0xC0;
+    const bool two = static_cast<unsigned char>(blockEnd[-2]) >= 0xE0;
+    return two ? 2 : one ? 1 : 0;
+}
+
+QV_TARGET_SSE42 void decodeSse42(Decoding& decoding) noexcept {
+    while (decoding.available() >= utf8BlockBytes && decoding.room() >= utf8BlockBytes) {
+        const __m128i v0 = loadVector(decoding.in);
+        const __m128i v1 = loadVector(decoding.in + 16);
+        const __m128i v2 = loadVector(decoding.in + 32);
+        const __m128i v3 = loadVector(decoding.in + 48);
+        if (isAscii(_mm_or_si128(_mm_or_si128(v0, v1), _mm_or_si128(v2, v3)))) {
+            storeWidened(decoding.out, v0);
+            storeWidened(decoding.out + 16, v1);
+            storeWidened(decoding.out + 32, v2);
+            storeWidened(decoding.out + 48, v3);
+            decoding.in += utf8BlockBytes;
+            decoding.out += utf8BlockBytes;
+            continue;
+        }
+        const Window w0 = window(v0, _mm_setzero_si128());
+        const Window w1 = window(v1, v0);
+        const Window w2 = window(v2, v1);
+        const Window w3 = window(v3, v2);
+        const __m128i found = _mm_or_si128(_mm_or_si128(errors(w0), errors(w1)),
+                                           _mm_or_si128(errors(w2), errors(w3)));
+        if (!_mm_testz_si128(found, found)) {
+            return;
+        }
+        char16_t* out = writeEnded(decoding.out, w0);
+        out = writeEnded(out, w1);
+        out = writeEnded(out, w2);
+        decoding.out = writeEnded(out, w3);
+        decoding.in += utf8BlockBytes;
+        decoding.in -= openBytes(decoding.in);
+    }
+}
+
+// --- Encoding ---
+//
+// Every unit is spread over a place for its longest form, and the bytes that it does have are then moved
+// together. Source: D. Lemire, W. Mula, as above.
+
+/// Eight units in two bytes each; a set bit means that the unit has only the first.
+constexpr ShuffleTable makePairPacks() {
+    ShuffleTable table{};
+    for (unsigned mask = 0; mask < table.size(); ++mask) {
+        table[mask].clear();
+        unsigned char* to = table[mask].bytes;
+        for (unsigned unit = 0; unit < 8; ++unit) {
+            *to++ = static_cast<unsigned char>(2 * unit);
+            if ((mask >> unit & 1) == 0) {
+                *to++ = static_cast<unsigned char>(2 * unit + 1);
+            }
+        }
+    }
+    return table;
+}
+
+constexpr ShuffleTable pairPacks = makePairPacks();
+
+/// Four units in four bytes each: lead of three, middle or lead of two, last, none. The low four bits tell
+/// which units have one byte, the high four which have one or two.
+constexpr ShuffleTable makeTriplePacks() {
+    ShuffleTable table{};
+    for (unsigned mask = 0; mask < table.size(); ++mask) {
+        table[mask].clear();
+        unsigned char* to = table[mask].bytes;
+        for (unsigned unit = 0; unit < 4; ++unit) {
+            const bool one = (mask >> unit & 1) != 0;
+            const bool oneOrTwo = (mask >> (unit + 4) & 1) != 0;
+            for (unsigned byte = one ? 2 : oneOrTwo ? 1 : 0; byte < 3; ++byte) {
+                *to++ = static_cast<unsigned char>(4 * unit + byte);
+            }
+        }
+    }
+    return table;
+}
+
+constexpr ShuffleTable triplePacks = makeTriplePacks();
+
+/// True where all words have none of the bits of `mask`.
+QV_TARGET_SSE42 inline bool hasNone(__m128i words, int mask) noexcept {
+    return _mm_testz_si128(words, splat16(mask)) != 0;
+}
+
+QV_TARGET_SSE42 inline __m128i lacksAll(__m128i words, int mask) noexcept {
+    return _mm_cmpeq_epi16(_mm_and_si128(words, splat16(mask)), _mm_setzero_si128());
+}
+
+/// Writes eight units below 0x800. @return the end of what was written; sixteen bytes are scratch.
+QV_TARGET_SSE42 inline signed char* writePairs(signed char* out, __m128i units) noexcept {
+    const __m128i isOne = lacksAll(units, 0xFF80);
+    const __m128i lead = _mm_srli_epi16(units, 6);
+    const __m128i last = _mm_slli_epi16(_mm_and_si128(units, splat16(0x3F)), 8);
+    const __m128i pairs = _mm_or_si128(_mm_or_si128(lead, last), splat16(0x80C0));
+    const int ones = _mm_movemask_epi8(_mm_packs_epi16(isOne, _mm_setzero_si128()));
+    const __m128i bytes = _mm_blendv_epi8(pairs, units, isOne);
+    storeVector(out, _mm_shuffle_epi8(bytes, loadRow(pairPacks[static_cast<unsigned>(ones)].bytes)));
+    return out + 16 - _mm_popcnt_u32(static_cast<unsigned>(ones));
+}
+
+/// Writes four units in four bytes each (see `triplePacks`). @return the end of what was written; sixteen
+/// bytes are scratch.
+QV_TARGET_SSE42 inline signed char* packTriples(signed char* out, __m128i bytes,
+                                                unsigned mask) noexcept {
+    storeVector(out, _mm_shuffle_epi8(bytes, loadRow(triplePacks[mask].bytes)));
+    return out + 12 - _mm_popcnt_u32(mask);
+}
+
+/// Writes eight units that are no surrogates. @return the end of what was written; 28 bytes are scratch.
+QV_TARGET_SSE42 inline signed char* writeTriples(signed char* out, __m128i units) noexcept {
+    const __m128i isOne = lacksAll(units, 0xFF80);
+    const __m128i isOneOrTwo = lacksAll(units, 0xF800);
+    const __m128i lead = _mm_or_si128(_mm_srli_epi16(units, 12), splat16(0xE0));
+    const __m128i middleMark =
+        _mm_or_si128(splat16(0x80), _mm_and_si128(isOneOrTwo, splat16(0x40)));
+    const __m128i middle =
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi16(units, 6), splat16(0x3F)), middleMark);
+    const __m128i tail =
+        _mm_or_si128(_mm_and_si128(units, splat16(0x3F)), splat16(0x80));
+    const __m128i last = _mm_blendv_epi8(tail, units, isOne);
+    const __m128i firstTwo = _mm_or_si128(lead, _mm_slli_epi16(middle, 8));
+    const auto masks =
+        static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isOne, isOneOrTwo)));
+    out = packTriples(out, _mm_unpacklo_epi16(firstTwo, last),
+                      (masks & 0x0F) | (masks >> 4 & 0xF0));
+    return packTriples(out, _mm_unpackhi_epi16(firstTwo, last),
+                       (masks >> 4 & 0x0F) | (masks >> 8 & 0xF0));
+}
+
+QV_TARGET_SSE42 inline bool hasSurrogates(__m128i units) noexcept {
+    const __m128i found =
+        _mm_cmpeq_epi16(_mm_and_si128(units, splat16(0xF800)), splat16(0xD800));
+    return !_mm_testz_si128(found, found);
+}
+
+/// Bytes that eight units may take, scratch included.
+constexpr int encodedRoom = 32;
+
+QV_TARGET_SSE42 void encodeSse42(Encoding& encoding) noexcept {
+    narrowUnits<0x7F>(encoding);
+    while (encoding.available() >= 16 && encoding.room() >= 2 * encodedRoom) {
+        const __m128i first = loadVector(encoding.in);
+        const __m128i second = loadVector(encoding.in + 8);
+        const __m128i both = _mm_or_si128(first, second);
+        if (hasNone(both, 0xFF80)) {
+            storeVector(encoding.out, _mm_packus_epi16(first, second));
+            encoding.out += 16;
+        } else if (hasNone(both, 0xF800)) {
+            encoding.out = writePairs(writePairs(encoding.out, first), second);
+        } else if (!hasSurrogates(first) && !hasSurrogates(second)) {
+            encoding.out = writeTriples(writeTriples(encoding.out, first), second);
+        } else {
+            return;
+        }
+        encoding.in += 16;
+    }
+}
+
+bool supportsSse42() noexcept {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("popcnt");
+}
+
+// --- Every processor ---
+
+void decodeAscii(Decoding& decoding) noexcept { widenAscii(decoding); }
+void encodeAscii(Encoding& encoding) noexcept { narrowUnits<0x7F>(encoding); }
+bool supportsAlways() noexcept { return true; }
+
+constexpr Utf8Blocks all[] = {
+    {&decodeSse42, &encodeSse42, &supportsSse42},
+    {&decodeAscii, &encodeAscii, &supportsAlways},
+};
+
+const Utf8Blocks& firstSupported() noexcept {
+    const Utf8Blocks* blocks = all;
+    while (!blocks->isSupported()) {
+        ++blocks;
+    }
+    return *blocks;
+}
+
+} // namespace
+
+std::span<const Utf8Blocks> allUtf8Blocks() noexcept { return all; }
+
+const Utf8Blocks& utf8Blocks() noexcept {
+    static const Utf8Blocks& chosen = firstSupported();
+    return chosen;
+}
+
+} // namespace qv::text::charset::detail

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "qv/util/AbstractBuffer.h"
+
+namespace qv::util {
+
+/// A buffer in memory of its own, for one thread at a time: its locks lock nothing, and a pointer taken
+/// under one is good until the next `ensureCapacity`.
+///
+/// Capacity is what was asked for, rounded up to a multiple of 16 units; there is no growth beyond that,
+/// so an owner that grows by small steps applies a rule of its own.
+///
+/// Owns: its memory. Thread safety: one thread at a time.
+template <class Unit> class QV_API RWBuffer : public AbstractBuffer<Unit> {
+public:
+    RWBuffer() noexcept = default;
+    /// @throws std::bad_alloc, as everything here that needs room.
+    explicit RWBuffer(int capacity);
+    /// Copies `length` units into a buffer of the greater of `length` and `capacity`.
+    RWBuffer(const Unit* data, int length, int capacity = 0);
+    RWBuffer(const RWBuffer& other);
+    RWBuffer& operator=(const RWBuffer& other);
+    ~RWBuffer() noexcept override;
+
+    int getLength() const noexcept override { return length_; }
+    const Unit* getData() const noexcept override { return data_; }
+    const Unit* getReadLock() const override { return data_; }
+    void releaseReadLock() const override {}
+    bool isWritable() const noexcept override { return true; }
+    Unit* getWriteLock(int capacity) override;
+    Unit* ensureCapacity(int capacity) override;
+    /// The length is stored as it comes, also above the capacity.
+    void releaseWriteLock(int length) override;
+    /// Cuts the capacity to the length rounded up to 16; with length 0 the memory goes.
+    void freeExtra() override;
+
+protected:
+    /// The work behind `freeExtra`, for classes that put a lock around it.
+    void reallocBuffer(int capacity);
+    /// The room there is, in units.
+    int getCapacity() const noexcept { return capacity_; }
+
+private:
+    void allocBuffer(int capacity);
+
+    Unit* data_ = nullptr;
+    int capacity_ = 0;
+    int length_ = 0;
+};
+
+using RWByteBuffer = RWBuffer<signed char>;
+using RWCharBuffer = RWBuffer<char16_t>;
+
+extern template class QV_API_TEMPLATE RWBuffer<signed char>;
+extern template class QV_API_TEMPLATE RWBuffer<char16_t>;
+
+} // namespace qv::util

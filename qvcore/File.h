@@ -1,0 +1,46 @@
+#pragma once
+
+#include "qvcore/Core.h"
+
+/// Files of the system. Offsets have 64 bits, handles are closed in child processes, partial
+/// transfers and interrupted calls are hidden. Both `\` and `/` separate the parts of a path; a
+/// path that the system cannot spell is refused with 0x8007007B, never changed.
+///
+/// Thread safety: a handle may be used by several threads as far as the system allows it.
+
+/// No file.
+#define QV_FILE_NONE UINT64_MAX
+
+/// Access bits of QVFileOpen; they add up.
+#define QV_FILE_READ 0x80000000u
+#define QV_FILE_WRITE 0x40000000u
+#define QV_FILE_ATEND 0x8u      /* positioned at its end */
+#define QV_FILE_CREATE 0x100u   /* made if it is not there */
+#define QV_FILE_TRUNCATE 0x200u /* emptied */
+
+/// Opens a file. `permissions` are those of a new file on systems that have them, cut by the user's
+/// mask. A directory is refused with 0x80070005. Other processes may read, write, rename and remove
+/// the file meanwhile.
+QVCORE_API int32_t QVFileOpen(const char16_t* path, uint32_t access, uint32_t permissions,
+                              uint64_t* handle) QVCORE_NOEXCEPT;
+QVCORE_API int32_t QVFileClose(uint64_t handle) QVCORE_NOEXCEPT;
+QVCORE_API int32_t QVFileGetSize(uint64_t handle, int64_t* size) QVCORE_NOEXCEPT;
+/// `origin` is 0 for the start, 1 for the current position, 2 for the end.
+QVCORE_API int32_t QVFileSeek64(uint64_t handle, int64_t offset, int32_t origin,
+                                int64_t* position) QVCORE_NOEXCEPT;
+/// Reads at most `length` bytes, and at least one unless the file is at its end: `*count` is 0
+/// then. A pipe whose writers are gone is at its end.
+QVCORE_API int32_t QVFileRead(uint64_t handle, void* buffer, uint32_t length,
+                              uint32_t* count) QVCORE_NOEXCEPT;
+/// Writes all `length` bytes. A pipe without readers is 0x8007006D, and no signal is raised.
+QVCORE_API int32_t QVFileWrite(uint64_t handle, const void* bytes, uint32_t length) QVCORE_NOEXCEPT;
+/// Brings what was written to the disk. No error on what has none (a pipe, a terminal).
+QVCORE_API int32_t QVFileFlush(uint64_t handle) QVCORE_NOEXCEPT;
+
+/// The handle of standard input (0), output (1) or error (2); not owned. QV_FILE_NONE if the
+/// process has none.
+QVCORE_API uint64_t QVFileGetStandard(int32_t which) QVCORE_NOEXCEPT;
+/// Writes all bytes to the descriptor behind a runtime stream (a `FILE*`), past the stream's
+/// buffer.
+QVCORE_API int32_t QVStreamWriteDirect(void* stream, const void* bytes,
+                                       uint32_t length) QVCORE_NOEXCEPT;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "qvcore/Core.h"
+
+/// What processes of one user share by name. Any non-empty text is a legal name: what the system
+/// cannot spell as it stands is hashed, and two different names never meet.
+
+/// Opens the semaphore of that name, or makes it with `value` as its count if no process has it
+/// open. The handle serves the operations of the semaphore family in qvcore/Locks.h.
+///
+/// A holder that dies: the count that a process took by waiting and did not post comes back when
+/// the process ends, however it ends, so that the others go on. An empty or null name is
+/// 0x80070057.
+QVCORE_API int32_t QVNamedSemOpen(const char* name, uint32_t value,
+                                  uint64_t* handle) QVCORE_NOEXCEPT;
+/// Gives the handle back. The semaphore itself is gone with its last handle in any process.
+QVCORE_API int32_t QVNamedSemClose(uint64_t handle) QVCORE_NOEXCEPT;
+
+/// Opens the shared block of that name, or makes it, zeroed, with `size` bytes. `mode` is the
+/// access permission of a new block on systems that have one (0 means 0600), `flags` is 0. An
+/// existing block keeps its size; asking for more than it has is 0x80070057.
+QVCORE_API int32_t QVSharedMemOpen(const char* name, uint32_t flags, uint32_t mode, uint32_t size,
+                                   uint64_t* handle) QVCORE_NOEXCEPT;
+/// Maps the block; `access` holds 0x80000000 for reading and 0x40000000 for writing.
+QVCORE_API int32_t QVSharedMemAttach(uint64_t handle, uint32_t access,
+                                     void** address) QVCORE_NOEXCEPT;
+QVCORE_API int32_t QVSharedMemDetach(void* address) QVCORE_NOEXCEPT;
+/// Gives the handle back. The block is gone with its last handle in any process.
+QVCORE_API int32_t QVSharedMemClose(uint64_t handle) QVCORE_NOEXCEPT;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "qvcore/Core.h"
+
+/// Tells the platform layer that a module is up (1) or going down (0). `identity` is a word that is
+/// the module's own: the address of its entry routine.
+QVCORE_API void QVModuleSetInitialized(uint64_t identity, int32_t initialized) QVCORE_NOEXCEPT;
+/// 1 between the two calls, otherwise 0.
+QVCORE_API int32_t QVModuleIsInitialized(uint64_t identity) QVCORE_NOEXCEPT;
+
+/// Has `before` called in front of a fork, `after` behind it in both processes, until the module
+/// that holds `before` is unloaded. Nothing happens on systems without fork.
+QVCORE_API int32_t QVModuleOnFork(void (*before)(void), void (*after)(void)) QVCORE_NOEXCEPT;
+
+/// The command line of the process as the system keeps it, program name and quoting included, on
+/// systems that keep one; elsewhere null. Lives as long as the process.
+QVCORE_API const char16_t* QVModuleGetCommandLine(void) QVCORE_NOEXCEPT;

@@ -1,0 +1,200 @@
+#include "qvcore/Ipc.h"
+
+#include "qvcore/common/Handle.h"
+#include "qvcore/common/NameDigest.h"
+#include "qvcore/common/SharedOpen.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+
+namespace qv::core {
+
+namespace {
+
+constexpr std::uint32_t readAccess = 0x80000000;
+constexpr std::uint32_t writeAccess = 0x40000000;
+
+/// What stands in front of the bytes that the callers see.
+struct MemoryHeader {
+    static constexpr std::uint32_t expectedMagic = 0x51564D31;
+
+    std::uint32_t magic;
+    std::uint32_t size;
+    ProcessTable processes;
+};
+
+/// Where those bytes begin: at a whole page.
+constexpr std::size_t headerSpace = 0x4000;
+static_assert(sizeof(MemoryHeader) <= headerSpace);
+
+/// The mapped blocks of this process, by the address that the caller knows. Never destroyed.
+///
+/// Thread safety: internally locked.
+class AttachedBlocks {
+public:
+    static AttachedBlocks& instance() {
+        static AttachedBlocks& blocks = *new AttachedBlocks;
+        return blocks;
+    }
+
+    void add(void* address, std::size_t mappedSize) {
+        const std::lock_guard lock(mutex_);
+        sizes_[address] = mappedSize;
+    }
+
+    /// The mapped size of a block, which is forgotten; 0 if there is none at the address.
+    std::size_t take(void* address) {
+        const std::lock_guard lock(mutex_);
+        const auto found = sizes_.find(address);
+        if (found == sizes_.end()) {
+            return 0;
+        }
+        const std::size_t size = found->second;
+        sizes_.erase(found);
+        return size;
+    }
+
+private:
+    std::mutex mutex_;
+    std::map<void*, std::size_t> sizes_;
+};
+
+class SharedMemoryObject : public HandleObject {
+public:
+    static constexpr HandleKind handleKind = HandleKind::SharedMemory;
+
+    SharedMemoryObject() : HandleObject(handleKind, nullptr) {}
+
+    /// Ends the process's part with its last handle, and the block with the last process. A forked
+    /// child has no part in its parent's handles.
+    ~SharedMemoryObject() {
+        if (process_ != currentProcessId() || memory_.lock() < 0) {
+            return;
+        }
+        if (--entry_->handles == 0) {
+            entry_->free();
+        }
+        if (!header()->processes.isUsed()) {
+            memory_.discard();
+        }
+        memory_.unlock();
+    }
+
+    std::int32_t open(const std::string& name, std::uint32_t size, std::uint32_t permissions) {
+        const auto isLargeEnough = [size](const MemoryHeader& existing) {
+            return size > existing.size ? QV_E_INVALIDARG : QV_S_OK;
+        };
+        const std::int32_t result = openSharedBlock<MemoryHeader>(memory_, name, headerSpace + size,
+                                                                  permissions, isLargeEnough);
+        if (result < 0) {
+            return result;
+        }
+        const std::int32_t joined = memory_.isNew() ? begin(size) : join();
+        memory_.unlock();
+        return joined;
+    }
+
+    std::int32_t attach(std::uint32_t access, void** address) {
+        void* mapped = nullptr;
+        const std::int32_t result = memory_.map((access & writeAccess) != 0, &mapped);
+        if (result < 0) {
+            return result;
+        }
+        void* visible = static_cast<char*>(mapped) + headerSpace;
+        try {
+            AttachedBlocks::instance().add(visible, memory_.size());
+        } catch (...) {
+            NamedBlock::unmap(mapped, memory_.size());
+            throw;
+        }
+        *address = visible;
+        return QV_S_OK;
+    }
+
+    bool isInUse() const noexcept { return false; }
+
+private:
+    MemoryHeader* header() const noexcept { return static_cast<MemoryHeader*>(memory_.address()); }
+
+    std::int32_t begin(std::uint32_t size) noexcept {
+        if (size == 0) {
+            memory_.discard();
+            return QV_E_INVALIDARG;
+        }
+        header()->size = size;
+        const std::int32_t result = join();
+        header()->magic = MemoryHeader::expectedMagic;
+        return result;
+    }
+
+    std::int32_t join() noexcept {
+        const ProcessIdentity self = currentProcess();
+        header()->processes.freeEnded();
+        entry_ = header()->processes.findOrTake(self);
+        if (entry_ == nullptr) {
+            return QV_E_TOOMANYFILES;
+        }
+        ++entry_->handles;
+        process_ = self.id;
+        return QV_S_OK;
+    }
+
+    NamedBlock memory_;
+    /// The entry of this process, valid in the process of that number only.
+    ProcessEntry* entry_ = nullptr;
+    std::uint32_t process_ = 0;
+};
+
+} // namespace
+
+} // namespace qv::core
+
+using namespace qv;
+using namespace qv::core;
+
+std::int32_t QVSharedMemOpen(const char* name, std::uint32_t, std::uint32_t mode,
+                             std::uint32_t size, std::uint64_t* handle) noexcept {
+    if (handle == nullptr) {
+        return QV_E_POINTER;
+    }
+    if (name == nullptr || *name == 0) {
+        return QV_E_INVALIDARG;
+    }
+    return guarded([=] {
+        // The user itself must be able to open the block again, whatever the others may.
+        auto memory = std::make_unique<SharedMemoryObject>();
+        const std::int32_t result = memory->open("mem-" + nameDigest(name), size, mode | 0600);
+        if (result >= 0) {
+            *handle = toHandle(memory.release());
+        }
+        return result;
+    });
+}
+
+std::int32_t QVSharedMemAttach(std::uint64_t handle, std::uint32_t access,
+                               void** address) noexcept {
+    if (address == nullptr) {
+        return QV_E_POINTER;
+    }
+    if ((access & (readAccess | writeAccess)) == 0 || (access & ~(readAccess | writeAccess)) != 0) {
+        return QV_E_INVALIDARG;
+    }
+    return withHandle<SharedMemoryObject>(
+        handle, [=](SharedMemoryObject& memory) { return memory.attach(access, address); });
+}
+
+std::int32_t QVSharedMemDetach(void* address) noexcept {
+    return guarded([=] {
+        const std::size_t size = AttachedBlocks::instance().take(address);
+        if (size == 0) {
+            return QV_E_INVALIDARG;
+        }
+        NamedBlock::unmap(static_cast<char*>(address) - headerSpace, size);
+        return QV_S_OK;
+    });
+}
+
+std::int32_t QVSharedMemClose(std::uint64_t handle) noexcept {
+    return destroyHandle<SharedMemoryObject>(handle);
+}

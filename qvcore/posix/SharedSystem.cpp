@@ -1,0 +1,275 @@
+#include "qvcore/common/SharedSystem.h"
+
+#include "qvcore/NativeResult.h"
+#include "qvcore/common/NativeError.h"
+#include "qvcore/posix/Descriptor.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <linux/futex.h>
+#include <new>
+#include <pthread.h>
+#include <string_view>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+
+namespace qv::core {
+
+namespace {
+
+/// What the system tells of a process. Without a /proc nothing is known but that it exists.
+struct ProcessStatus {
+    bool isKnown = false;
+    char state = 0;
+    unsigned long long start = 0;
+
+    explicit ProcessStatus(std::uint32_t id) noexcept {
+        char path[32];
+        std::snprintf(path, sizeof path, "/proc/%u/stat", id);
+        const Descriptor file(restarted([&] { return open(path, O_RDONLY | O_CLOEXEC); }));
+        char text[1024];
+        const ssize_t length =
+            file.isOpen() ? restarted([&] { return read(file.get(), text, sizeof text - 1); }) : 0;
+        if (length > 0) {
+            text[length] = 0;
+            parse(std::string_view(text, static_cast<std::size_t>(length)));
+        }
+    }
+
+    bool hasEnded() const noexcept { return state == 'Z' || state == 'X'; }
+
+private:
+    /// The program's name stands in parentheses and may hold any character; behind it stand the
+    /// state and, nineteen fields on, the start.
+    void parse(std::string_view text) noexcept {
+        const std::size_t name = text.rfind(')');
+        if (name == std::string_view::npos) {
+            return;
+        }
+        isKnown = std::sscanf(text.data() + name + 1,
+                              " %c %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s"
+                              " %*s %*s %llu",
+                              &state, &start) == 2;
+    }
+};
+
+std::string systemName(const std::string& name) {
+    return "/qv-" + std::to_string(geteuid()) + "-" + name;
+}
+
+int toDescriptor(std::uintptr_t file) noexcept {
+    // 0 means none, so that descriptors are kept one higher.
+    return static_cast<int>(file) - 1;
+}
+
+std::uintptr_t fromDescriptor(int descriptor) noexcept {
+    return static_cast<std::uintptr_t>(descriptor + 1);
+}
+
+std::int32_t mapFile(int descriptor, std::size_t size, bool isWritable, void** address) noexcept {
+    const int protection = isWritable ? PROT_READ | PROT_WRITE : PROT_READ;
+    void* mapped = mmap(nullptr, size, protection, MAP_SHARED, descriptor, 0);
+    if (mapped == MAP_FAILED) {
+        return lastNativeResult();
+    }
+    *address = mapped;
+    return QV_S_OK;
+}
+
+/// A file of shared memory while it is being opened; locked.
+class LockedFile {
+public:
+    explicit LockedFile(int descriptor) noexcept : file_(descriptor) {}
+    ~LockedFile() {
+        if (file_.isOpen()) {
+            flock(file_.get(), LOCK_UN);
+        }
+    }
+
+    std::int32_t lock() noexcept {
+        if (!file_.isOpen() || restarted([this] { return flock(file_.get(), LOCK_EX); }) == -1 ||
+            fstat(file_.get(), &status_) == -1) {
+            return lastNativeResult();
+        }
+        return status_.st_uid == geteuid() ? QV_S_OK : QV_E_ACCESSDENIED;
+    }
+
+    /// False if the name was taken from it before it could be locked.
+    bool hasName() const noexcept { return status_.st_nlink != 0; }
+    std::size_t size() const noexcept { return static_cast<std::size_t>(status_.st_size); }
+    int get() const noexcept { return file_.get(); }
+    /// The caller takes the lock over as well.
+    int release() noexcept { return file_.release(); }
+
+private:
+    Descriptor file_;
+    struct stat status_ = {};
+};
+
+} // namespace
+
+ProcessIdentity currentProcess() noexcept {
+    const std::uint32_t id = currentProcessId();
+    return {id, ProcessStatus(id).start};
+}
+
+std::uint32_t currentProcessId() noexcept {
+    return static_cast<std::uint32_t>(getpid());
+}
+
+bool isRunning(const ProcessIdentity& process) noexcept {
+    if (kill(static_cast<pid_t>(process.id), 0) == -1 && errno == ESRCH) {
+        return false;
+    }
+    const ProcessStatus status(process.id);
+    return !status.isKnown || (!status.hasEnded() && status.start == process.start);
+}
+
+NamedBlock::~NamedBlock() {
+    close();
+}
+
+std::int32_t NamedBlock::openLocked(const std::string& name, std::size_t size,
+                                    std::uint32_t permissions) {
+    name_ = systemName(name);
+    for (;;) {
+        LockedFile file(shm_open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, permissions));
+        std::int32_t result = file.lock();
+        if (result < 0) {
+            return result;
+        }
+        if (!file.hasName()) {
+            continue;
+        }
+        isNew_ = file.size() == 0;
+        parts_.size = isNew_ ? size : file.size();
+        // Memory that cannot be had later would end the process, so it is taken now.
+        const int error =
+            isNew_ ? posix_fallocate(file.get(), 0, static_cast<off_t>(parts_.size)) : 0;
+        result = error == 0 ? mapFile(file.get(), parts_.size, true, &parts_.address)
+                            : QVResultFromNative(static_cast<std::uint32_t>(error));
+        if (result >= 0) {
+            parts_.file = fromDescriptor(file.release());
+        } else if (isNew_) {
+            shm_unlink(name_.c_str());
+        }
+        return result;
+    }
+}
+
+void NamedBlock::close() noexcept {
+    if (parts_.file != 0) {
+        unmap(parts_.address, parts_.size);
+        ::close(toDescriptor(parts_.file));
+        parts_ = {};
+    }
+}
+
+std::int32_t NamedBlock::lock() noexcept {
+    const int descriptor = toDescriptor(parts_.file);
+    return restarted([=] { return flock(descriptor, LOCK_EX); }) == -1 ? lastNativeResult()
+                                                                       : QV_S_OK;
+}
+
+void NamedBlock::unlock() noexcept {
+    // Said aloud: a child that was forked meanwhile shares the file, and would keep its lock.
+    flock(toDescriptor(parts_.file), LOCK_UN);
+}
+
+std::int32_t NamedBlock::map(bool isWritable, void** address) const noexcept {
+    return mapFile(toDescriptor(parts_.file), parts_.size, isWritable, address);
+}
+
+void NamedBlock::unmap(void* address, std::size_t size) noexcept {
+    munmap(address, size);
+}
+
+void NamedBlock::discard() noexcept {
+    // The name may belong to a newer block by now; then it is not this one's to take.
+    struct stat own = {};
+    if (fstat(toDescriptor(parts_.file), &own) == 0 && own.st_nlink != 0) {
+        shm_unlink(name_.c_str());
+    }
+}
+
+namespace {
+
+/// What a guard keeps in shared memory.
+struct GuardState {
+    pthread_mutex_t mutex;
+    std::atomic<std::uint32_t> announcements;
+    /// How many wait. One that is killed stays counted, which costs no more than a needless call.
+    std::atomic<std::uint32_t> waiters;
+};
+
+static_assert(sizeof(GuardState) <= sizeof(SharedGuard::Storage));
+
+GuardState& stateOf(SharedGuard::Storage& storage) noexcept {
+    return *reinterpret_cast<GuardState*>(storage.bytes);
+}
+
+std::uint32_t* futexWord(GuardState& state) noexcept {
+    return reinterpret_cast<std::uint32_t*>(&state.announcements);
+}
+
+int makeMutex(pthread_mutex_t& mutex) noexcept {
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+    pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    const int error = pthread_mutex_init(&mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+    return error;
+}
+
+} // namespace
+
+SharedGuard::~SharedGuard() = default;
+
+std::int32_t SharedGuard::open(Storage& storage, const std::string&, bool isNew) {
+    storage_ = &storage;
+    if (!isNew) {
+        return QV_S_OK;
+    }
+    auto* state = new (storage.bytes) GuardState{};
+    return QVResultFromNative(static_cast<std::uint32_t>(makeMutex(state->mutex)));
+}
+
+std::int32_t SharedGuard::lock() noexcept {
+    pthread_mutex_t& mutex = stateOf(*storage_).mutex;
+    int error = pthread_mutex_lock(&mutex);
+    if (error == EOWNERDEAD) {
+        error = pthread_mutex_consistent(&mutex);
+    }
+    return QVResultFromNative(static_cast<std::uint32_t>(error));
+}
+
+void SharedGuard::unlock() noexcept {
+    pthread_mutex_unlock(&stateOf(*storage_).mutex);
+}
+
+std::uint32_t SharedGuard::mark() const noexcept {
+    return stateOf(*storage_).announcements.load();
+}
+
+void SharedGuard::wait(std::uint32_t mark, std::uint32_t timeout) noexcept {
+    GuardState& state = stateOf(*storage_);
+    const timespec time = {timeout / 1000, static_cast<long>(timeout % 1000) * 1'000'000};
+    ++state.waiters;
+    syscall(SYS_futex, futexWord(state), FUTEX_WAIT, mark, &time, nullptr, 0);
+    --state.waiters;
+}
+
+void SharedGuard::announce() noexcept {
+    GuardState& state = stateOf(*storage_);
+    ++state.announcements;
+    if (state.waiters.load() != 0) {
+        syscall(SYS_futex, futexWord(state), FUTEX_WAKE, 1, nullptr, nullptr, 0);
+    }
+}
+
+} // namespace qv::core

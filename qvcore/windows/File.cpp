@@ -1,0 +1,199 @@
+#include "qvcore/File.h"
+
+#include "qvcore/NativeResult.h"
+#include "qvcore/common/FileAccess.h"
+#include "qvcore/common/Guarded.h"
+#include "qvcore/common/NativeError.h"
+#include "qvcore/windows/SystemPath.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <io.h>
+#include <string>
+#include <windows.h>
+
+namespace qv::core {
+
+namespace {
+
+HANDLE toNative(std::uint64_t handle) noexcept {
+    return reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(handle));
+}
+
+std::uint64_t fromNative(HANDLE handle) noexcept {
+    return reinterpret_cast<std::uintptr_t>(handle);
+}
+
+DWORD toDisposition(std::uint32_t access) noexcept {
+    const bool creates = (access & QV_FILE_CREATE) != 0;
+    if ((access & QV_FILE_TRUNCATE) != 0) {
+        return creates ? CREATE_ALWAYS : TRUNCATE_EXISTING;
+    }
+    return creates ? OPEN_ALWAYS : OPEN_EXISTING;
+}
+
+std::int32_t openFile(const std::wstring& path, std::uint32_t access,
+                      std::uint64_t* handle) noexcept {
+    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE file = CreateFileW(path.c_str(), access & (QV_FILE_READ | QV_FILE_WRITE), shareAll,
+                                    nullptr, toDisposition(access), FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return lastNativeResult();
+    }
+    if ((access & QV_FILE_ATEND) != 0 && GetFileType(file) == FILE_TYPE_DISK) {
+        const LARGE_INTEGER nowhere = {};
+        if (!SetFilePointerEx(file, nowhere, nullptr, FILE_END)) {
+            const std::int32_t result = lastNativeResult();
+            CloseHandle(file);
+            return result;
+        }
+    }
+    *handle = fromNative(file);
+    return QV_S_OK;
+}
+
+/// What a read says at the end of a file or of a pipe.
+bool isEnd(DWORD error) noexcept {
+    return error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF;
+}
+
+} // namespace
+
+} // namespace qv::core
+
+using namespace qv;
+using namespace qv::core;
+
+std::int32_t QVFileOpen(const char16_t* path, std::uint32_t access, std::uint32_t,
+                        std::uint64_t* handle) noexcept {
+    if (handle == nullptr) {
+        return QV_E_POINTER;
+    }
+    if (path == nullptr || !isValidFileAccess(access)) {
+        return QV_E_INVALIDARG;
+    }
+    if (*path == 0) {
+        return QV_E_FILENOTFOUND;
+    }
+    return guarded([=] {
+        std::wstring systemPath;
+        const std::int32_t result = toSystemPath(path, systemPath);
+        return result < 0 ? result : openFile(systemPath, access, handle);
+    });
+}
+
+std::int32_t QVFileClose(std::uint64_t handle) noexcept {
+    if (handle == QV_FILE_NONE) {
+        return QV_E_INVALIDHANDLE;
+    }
+    return CloseHandle(toNative(handle)) ? QV_S_OK : lastNativeResult();
+}
+
+std::int32_t QVFileGetSize(std::uint64_t handle, std::int64_t* size) noexcept {
+    if (size == nullptr) {
+        return QV_E_POINTER;
+    }
+    LARGE_INTEGER found = {};
+    if (!GetFileSizeEx(toNative(handle), &found)) {
+        return lastNativeResult();
+    }
+    *size = found.QuadPart;
+    return QV_S_OK;
+}
+
+std::int32_t QVFileSeek64(std::uint64_t handle, std::int64_t offset, std::int32_t origin,
+                          std::int64_t* position) noexcept {
+    constexpr DWORD origins[] = {FILE_BEGIN, FILE_CURRENT, FILE_END};
+    if (position == nullptr) {
+        return QV_E_POINTER;
+    }
+    if (origin < 0 || origin > 2) {
+        return QV_E_INVALIDARG;
+    }
+    LARGE_INTEGER distance = {};
+    LARGE_INTEGER found = {};
+    distance.QuadPart = offset;
+    if (!SetFilePointerEx(toNative(handle), distance, &found, origins[origin])) {
+        // A place in front of the start has an error of its own here and none elsewhere.
+        return GetLastError() == ERROR_NEGATIVE_SEEK ? QV_E_INVALIDARG : lastNativeResult();
+    }
+    *position = found.QuadPart;
+    return QV_S_OK;
+}
+
+std::int32_t QVFileRead(std::uint64_t handle, void* buffer, std::uint32_t length,
+                        std::uint32_t* count) noexcept {
+    if (count == nullptr || (buffer == nullptr && length != 0)) {
+        return QV_E_POINTER;
+    }
+    DWORD taken = 0;
+    if (!ReadFile(toNative(handle), buffer, length, &taken, nullptr) && !isEnd(GetLastError())) {
+        return lastNativeResult();
+    }
+    *count = taken;
+    return QV_S_OK;
+}
+
+std::int32_t QVFileWrite(std::uint64_t handle, const void* bytes, std::uint32_t length) noexcept {
+    if (bytes == nullptr && length != 0) {
+        return QV_E_POINTER;
+    }
+    const auto* rest = static_cast<const char*>(bytes);
+    do {
+        DWORD written = 0;
+        if (!WriteFile(toNative(handle), rest, length, &written, nullptr)) {
+            return lastNativeResult();
+        }
+        rest += written;
+        length -= written;
+    } while (length != 0);
+    return QV_S_OK;
+}
+
+std::int32_t QVFileFlush(std::uint64_t handle) noexcept {
+    const HANDLE file = toNative(handle);
+    SetLastError(NO_ERROR);
+    const DWORD type = GetFileType(file);
+    if (type == FILE_TYPE_UNKNOWN && GetLastError() != NO_ERROR) {
+        return lastNativeResult();
+    }
+    // A file opened for reading has nothing to bring to the disk, and the system refuses to try.
+    if (type == FILE_TYPE_DISK && !FlushFileBuffers(file) &&
+        GetLastError() != ERROR_ACCESS_DENIED) {
+        return lastNativeResult();
+    }
+    return QV_S_OK;
+}
+
+std::uint64_t QVFileGetStandard(std::int32_t which) noexcept {
+    constexpr DWORD names[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+    if (which < 0 || which > 2) {
+        return QV_FILE_NONE;
+    }
+    const HANDLE handle = GetStdHandle(names[which]);
+    return handle == nullptr ? QV_FILE_NONE : fromNative(handle);
+}
+
+std::int32_t QVStreamWriteDirect(void* stream, const void* bytes, std::uint32_t length) noexcept {
+    // The descriptor turns line feeds into line ends where the stream itself does.
+    constexpr std::uint32_t most = 0x40000000;
+    if (stream == nullptr) {
+        return QV_E_INVALIDHANDLE;
+    }
+    if (bytes == nullptr && length != 0) {
+        return QV_E_POINTER;
+    }
+    const int descriptor = _fileno(static_cast<std::FILE*>(stream));
+    const auto* rest = static_cast<const char*>(bytes);
+    while (length != 0) {
+        const int written = _write(descriptor, rest, std::min(length, most));
+        if (written <= 0) {
+            return errno == EBADF ? QV_E_INVALIDHANDLE : QVResultFromNative(_doserrno);
+        }
+        rest += written;
+        length -= static_cast<std::uint32_t>(written);
+    }
+    return QV_S_OK;
+}

@@ -1,0 +1,13 @@
+#include "qvcore/Module.h"
+
+#include "qv/Results.h"
+
+#include <windows.h>
+
+std::int32_t QVModuleOnFork(void (*)(void), void (*)(void)) noexcept {
+    return qv::QV_S_OK;
+}
+
+const char16_t* QVModuleGetCommandLine() noexcept {
+    return reinterpret_cast<const char16_t*>(GetCommandLineW());
+}

@@ -1,0 +1,785 @@
+#include "qv/String.h"
+
+#include "qv/AnsiBytes.h"
+#include "qv/Exceptions.h"
+#include "qv/util/ROBuffer.h"
+#include "qv/util/RWBuffer.h"
+#include "tests/support/Printing.h"
+#include "tests/support/Throws.h"
+
+#include <gtest/gtest.h>
+
+using namespace qv;
+using namespace qv::literals;
+
+namespace {
+
+/// A string that can be asked whether it shares its characters.
+bool shares(const String& left, const String& right) { return left.getData() == right.getData(); }
+
+String ofLength(int length, char16_t unit = u'a') { return String(unit, length); }
+
+// --- Construction ---
+
+TEST(StringTest, EmptyStringsShareOneBuffer) {
+    const String a;
+    const String b(u"");
+    const String c(0);
+    const String d(-5);
+    EXPECT_TRUE(shares(a, b));
+    EXPECT_TRUE(shares(a, c));
+    EXPECT_TRUE(shares(a, d));
+    EXPECT_TRUE(shares(a, String(u"abc", 0)));
+    EXPECT_TRUE(shares(a, String(u'x', 0)));
+    EXPECT_EQ(a.getLength(), 0);
+    EXPECT_EQ(a.getData()[0], 0);
+    EXPECT_TRUE(a.isEmpty());
+}
+
+TEST(StringTest, CopyConstructionShares) {
+    const String text(u"text");
+    const String copy(text);
+    EXPECT_TRUE(shares(text, copy));
+    EXPECT_EQ(copy, u"text");
+}
+
+TEST(StringTest, LiteralIsReadWhereItStands) {
+    static constexpr STRUCT_QV_STR_LIT_INFO literal{u"literal", 7};
+    String text(literal);
+    EXPECT_EQ(text.getData(), literal.text);
+    EXPECT_EQ(text.getLength(), 7);
+    EXPECT_TRUE(text.isWritable());
+    EXPECT_EQ(static_cast<util::ICharBuffer&>(text).IsWritable(), 1);
+    text.setCharAt(0, u'L');
+    EXPECT_NE(text.getData(), literal.text);
+    EXPECT_EQ(text, u"Literal");
+    EXPECT_EQ(String(literal), u"literal");
+    EXPECT_EQ(String(u"lit"_lit).getLength(), 3);
+}
+
+TEST(StringTest, CapacityGivesAnEmptyTextWithRoom) {
+    String text(100);
+    EXPECT_EQ(text.getLength(), 0);
+    EXPECT_FALSE(shares(text, String()));
+    const char16_t* const data = text.getData();
+    text.append(u'a', 98);
+    EXPECT_EQ(text.getData(), data);
+}
+
+TEST(StringTest, TextIsCopiedUpToItsLength) {
+    EXPECT_EQ(String(u"hello"), u"hello");
+    EXPECT_EQ(String(u"hello", 3), u"hel");
+    const String whole(u"a\0b", 3);
+    EXPECT_EQ(whole.getLength(), 3);
+    EXPECT_EQ(whole[1], 0);
+    EXPECT_EQ(whole[2], u'b');
+    EXPECT_EQ(whole.getData()[3], 0);
+    const String roomy(u"ab", 2, 100);
+    EXPECT_EQ(roomy, u"ab");
+    EXPECT_FALSE(shares(String(u"", 0, 5), String()));
+}
+
+TEST(StringTest, UnitIsRepeated) {
+    EXPECT_EQ(String(u'x'), u"x");
+    EXPECT_EQ(String(u'x', 3), u"xxx");
+    EXPECT_EQ(String(u'x', 2, 50), u"xx");
+    EXPECT_EQ(String(u'x', -1), u"");
+}
+
+TEST(StringTest, BufferIsCopiedAndTerminated) {
+    util::RWCharBuffer buffer(u"abcdef", 3);
+    const String text(&buffer);
+    EXPECT_EQ(text, u"abc");
+    EXPECT_EQ(text.getData()[3], 0);
+    EXPECT_NE(text.getData(), buffer.getData());
+}
+
+TEST(StringTest, ModesTakeARangeOfAString) {
+    const String source(u"0123456789");
+    EXPECT_EQ(String(String::ACQUIRE_COPY, source, 2, 5), u"234");
+    EXPECT_EQ(String(String::ACQUIRE_COPY, source, 2, -1), u"23456789");
+    EXPECT_EQ(String(String::ACQUIRE_COPY, source, 2, 99), u"23456789");
+    EXPECT_EQ(String(String::ACQUIRE_COPY, source, 7, 5), u"") << "the start is cut to the end";
+    EXPECT_TRUE(shares(String(String::ACQUIRE_COPY, source, 5, 5), String()));
+    EXPECT_FALSE(shares(String(String::ACQUIRE_COPY, source, 5, 5, 10), String()));
+    EXPECT_EQ(String(String::ACQUIRE_COPY_UPPER, String(u"xaé"), 1), u"AÉ");
+    const String shared(String::ACQUIRE_SHARE, source, 2, 5);
+    EXPECT_TRUE(shares(shared, source)) << "the range is ignored";
+    const String wrapped(String::ACQUIRE_WRAP, source, 2, 5);
+    EXPECT_EQ(wrapped.getData(), source.getData() + 2);
+    EXPECT_EQ(wrapped.getLength(), 3);
+}
+
+TEST(StringTest, ModesTakeABuffer) {
+    const Reference<util::RWCharBuffer> buffer(new util::RWCharBuffer(u"abc", 4));
+    const String shared(String::ACQUIRE_SHARE, buffer.get());
+    EXPECT_EQ(shared.getData(), buffer->getData());
+    EXPECT_EQ(shared.getLength(), 3) << "the last unit is the terminator";
+    EXPECT_EQ(buffer->GetRefCount(), 2u);
+    EXPECT_EQ(String(String::ACQUIRE_COPY_UPPER, buffer.get()).getLength(), 4);
+    EXPECT_TRUE(String(String::ACQUIRE_COPY_UPPER, buffer.get()).startsWith(u"ABC"));
+    const String wrapped(String::ACQUIRE_WRAP, buffer.get());
+    EXPECT_EQ(wrapped.getData(), buffer->getData());
+}
+
+TEST(StringTest, ModesTakeAText) {
+    const char16_t text[] = u"abc";
+    EXPECT_EQ(String(String::ACQUIRE_COPY, text), u"abc");
+    EXPECT_NE(String(String::ACQUIRE_SHARE, text).getData(), text) << "nothing to share: it copies";
+    String wrapped(String::ACQUIRE_WRAP, text, -1);
+    EXPECT_EQ(wrapped.getData(), text);
+    EXPECT_EQ(wrapped.getLength(), 3);
+    wrapped.append(u"d");
+    EXPECT_EQ(wrapped, u"abcd");
+    EXPECT_STREQ(String(text).getBytes(u"UTF-8"), "abc");
+    EXPECT_EQ(String(String::ACQUIRE_COPY_UPPER, text), u"ABC");
+    EXPECT_EQ(String(String::ACQUIRE_WRAP, text, 2).getLength(), 2);
+}
+
+TEST(StringTest, ModeValuesAreFixed) {
+    EXPECT_EQ(String::ACQUIRE_COPY, 0);
+    EXPECT_EQ(String::ACQUIRE_SHARE, 1);
+    EXPECT_EQ(String::ACQUIRE_WRAP, 2);
+    EXPECT_EQ(String::ACQUIRE_COPY_UPPER, 3);
+    EXPECT_EQ(String::TRIM_LEFT, 1);
+    EXPECT_EQ(String::TRIM_RIGHT, 2);
+    EXPECT_EQ(String::TRIM_BOTH, 3);
+}
+
+TEST(StringTest, SystemWideTextIsTaken) {
+    EXPECT_EQ(String(L"aé\U0001F600"), u"aé\U0001F600");
+    EXPECT_EQ(String(L"abc", 2), u"ab");
+    EXPECT_EQ(String(L""), u"");
+}
+
+TEST(StringTest, ComponentNameMakesStringsByValue) {
+    const String text(u"text");
+    EXPECT_TRUE(shares(CQVString::create(text), text));
+    EXPECT_EQ(CQVString::create(reinterpret_cast<const signed char*>("abc"), 2, u"UTF-8"), u"ab");
+    EXPECT_EQ(CQVString::create(u"abc", 2, 0), u"ab");
+}
+
+TEST(StringTest, MoveLeavesAnEmptyString) {
+    String text(u"text");
+    const char16_t* const data = text.getData();
+    const String moved(std::move(text));
+    EXPECT_EQ(moved.getData(), data);
+    EXPECT_EQ(text, u""); // NOLINT: the state is laid down
+}
+
+// --- Sharing and separation ---
+
+TEST(StringTest, WritingToACopyLeavesTheSource) {
+    const String text(u"text");
+    String copy(text);
+    copy.append(u"!");
+    EXPECT_EQ(text, u"text");
+    EXPECT_EQ(copy, u"text!");
+    EXPECT_FALSE(shares(text, copy));
+}
+
+TEST(StringTest, AssignmentCopiesAndDoesNotShare) {
+    const String text(u"text");
+    String copy;
+    copy = text;
+    EXPECT_EQ(copy, text);
+    EXPECT_FALSE(shares(text, copy));
+}
+
+TEST(StringTest, AssignmentFromAWrappingTemporaryCopies) {
+    char16_t memory[] = u"abc";
+    String text;
+    text = String(String::ACQUIRE_WRAP, memory, -1);
+    memory[0] = u'x';
+    EXPECT_EQ(text, u"abc");
+}
+
+TEST(StringTest, AssignmentTakesEveryKindOfText) {
+    String text(u"old");
+    text = u"units";
+    EXPECT_EQ(text, u"units");
+    text = u'c';
+    EXPECT_EQ(text, u"c");
+    text = "narrow";
+    EXPECT_EQ(text, u"narrow");
+    text = String(u"temporary");
+    EXPECT_EQ(text, u"temporary");
+    auto& same = text;
+    text = same;
+    EXPECT_EQ(text, u"temporary");
+    text = String();
+    EXPECT_EQ(text, u"");
+}
+
+TEST(StringTest, SelfAssignmentOfAFullBufferKeepsTheText) {
+    String text(u'a', 15); // 16 units with the terminator: the buffer is full
+    auto& same = text;
+    text = same;
+    EXPECT_EQ(text, ofLength(15));
+}
+
+TEST(StringTest, SetAddRefShares) {
+    const String text(u"text");
+    String other(u"other");
+    other.setAddRef(text);
+    EXPECT_TRUE(shares(text, other));
+    auto& same = other;
+    other.setAddRef(same);
+    EXPECT_EQ(other, u"text");
+}
+
+TEST(StringTest, SetAddRefLeavesAStaleNarrowForm) {
+    String text(u"old");
+    const char* const bytes = text.getBytes(u"UTF-8");
+    text.setAddRef(String(u"new text"));
+    EXPECT_EQ(text.getBytes(u"UTF-8"), bytes);
+    EXPECT_STREQ(bytes, "old");
+    text.append(u"!");
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "new text!");
+}
+
+TEST(StringTest, SetToFollowsItsMode) {
+    const String source(u"0123456789");
+    String text(u"x");
+    text.setTo(String::ACQUIRE_COPY, source, 2, 5);
+    EXPECT_EQ(text, u"234");
+    text.setTo(String::ACQUIRE_SHARE, source, 2, 5);
+    EXPECT_TRUE(shares(text, source));
+    text.setTo(String::ACQUIRE_WRAP, source, 2, 5);
+    EXPECT_EQ(text.getData(), source.getData() + 2);
+    EXPECT_EQ(text.getLength(), 3);
+    text.setTo(String::ACQUIRE_COPY_UPPER, String(u"abc"), 1, -1);
+    EXPECT_EQ(text, u"BC");
+    text.setTo(String::ACQUIRE_COPY_UPPER, u"wide", -1);
+    EXPECT_EQ(text, u"WIDE");
+    text.setTo(String::ACQUIRE_COPY, u"wide", 2);
+    EXPECT_EQ(text, u"wi");
+    text.setTo(u"three", 5);
+    EXPECT_EQ(text, u"three");
+    text.setTo(u'z', 4);
+    EXPECT_EQ(text, u"zzzz");
+    text.setTo(String::ACQUIRE_COPY, text, 1, 3);
+    EXPECT_EQ(text, u"zz");
+}
+
+TEST(StringTest, ClearSeparatesAndLeavesTheOthers) {
+    const String text(u"text");
+    String copy(text);
+    copy.clear();
+    EXPECT_EQ(copy, u"");
+    EXPECT_EQ(text, u"text");
+}
+
+TEST(StringTest, SharedForeignBufferIsReadInPlaceAndSeparatedByAWrite) {
+    const Reference<util::RWCharBuffer> buffer(new util::RWCharBuffer(u"abc", 4));
+    String text(String::ACQUIRE_SHARE, buffer.get());
+    text.setCharAt(0, u'x');
+    EXPECT_EQ(text, u"xbc");
+    EXPECT_EQ(buffer->getData()[0], u'a');
+    EXPECT_EQ(buffer->GetRefCount(), 1u);
+}
+
+TEST(StringTest, EmptyInnerBufferCountsAsEmptyText) {
+    const Reference<util::RWCharBuffer> buffer(new util::RWCharBuffer);
+    const String text(String::ACQUIRE_SHARE, buffer.get());
+    EXPECT_EQ(text.getLength(), 0);
+}
+
+/// A buffer of no class that a string knows, which counts its locks.
+class LockedBuffer : public util::RWCharBuffer {
+public:
+    using RWBuffer::RWBuffer;
+    const char16_t* getReadLock() const override {
+        if (refuse) {
+            throw ResultException(QV_E_BUSY);
+        }
+        ++locks;
+        return RWBuffer::getReadLock();
+    }
+    void releaseReadLock() const override { --locks; }
+    char16_t* getWriteLock(int capacity) override {
+        ++locks;
+        return RWBuffer::getWriteLock(capacity);
+    }
+    void releaseWriteLock(int length) override {
+        --locks;
+        RWBuffer::releaseWriteLock(length);
+    }
+    mutable int locks = 0;
+    bool refuse = false;
+};
+
+TEST(StringTest, ForeignInnerBufferIsReachedThroughItsLocks) {
+    auto* const buffer = new LockedBuffer(u"abc", 4);
+    String text(String::ACQUIRE_SHARE, buffer);
+    EXPECT_EQ(text, u"abc");
+    EXPECT_EQ(text.indexOf(u"c"), 2);
+    text.append(u"def");
+    EXPECT_EQ(text, u"abcdef");
+    EXPECT_EQ(text.getData(), buffer->getData()) << "sole owner of a writable buffer";
+    EXPECT_EQ(buffer->locks, 0);
+    buffer->refuse = true;
+    EXPECT_EQ(support::thrownResult([&] { text.equals(u"abc"); }), QV_E_BUSY);
+    EXPECT_EQ(support::thrownResult([&] { text.getReadLock(); }), QV_E_BUSY);
+}
+
+// --- Editing ---
+
+TEST(StringTest, ReplacePutsATextInPlaceOfARange) {
+    String text(u"0123456789");
+    EXPECT_EQ(&text.replace(2, 3, u"abc", 3, 0), &text);
+    EXPECT_EQ(text, u"01abc56789");
+    EXPECT_EQ(text.replace(2, 3, u"X", -1, 0), u"01X56789");
+    EXPECT_EQ(text.replace(2, 1, u"longer than before"), u"01longer than before56789");
+    EXPECT_EQ(String(u"abc").replace(1, 1, u"0123", -1, 2), u"a23c");
+    EXPECT_EQ(String(u"abc").replace(1, 1, u"0123", -1, 9), u"ac") << "the start is cut";
+    EXPECT_EQ(String(u"abc").replace(-1, 0, u"d"), u"abcd");
+    EXPECT_EQ(String(u"abc").replace(99, 5, u"d"), u"abcd");
+    EXPECT_EQ(String(u"abc").replace(1, -1, u"d"), u"ad");
+    EXPECT_EQ(String(u"abc").replace(1, 99, u"d"), u"ad");
+    EXPECT_EQ(String(u"abc").replace(0, -1, nullptr, 0, 0), u"");
+    EXPECT_EQ(String(u"abc").replace(1, 1, u'-', 3), u"a---c");
+    EXPECT_EQ(String(u"abc").replace(1, 1, u'-', 0), u"ac");
+    EXPECT_EQ(String(u"abc").replace(1, 1, String(u"xyz"), 1), u"ayzc");
+}
+
+TEST(StringTest, ReplaceTakesItsOwnText) {
+    String text(u"abc");
+    text.append(text);
+    EXPECT_EQ(text, u"abcabc");
+    text.insert(3, text);
+    EXPECT_EQ(text, u"abcabcabcabc");
+}
+
+TEST(StringTest, AppendPrependInsertRemove) {
+    String text(u"m");
+    EXPECT_EQ(text.append(u"no"), u"mno");
+    EXPECT_EQ(text.append(u"pqr", 2), u"mnopq");
+    EXPECT_EQ(text.append(u'r', 2), u"mnopqrr");
+    EXPECT_EQ(text.append(String(u"s")), u"mnopqrrs");
+    EXPECT_EQ(text.prepend(u"l"), u"lmnopqrrs");
+    EXPECT_EQ(text.prepend(String(u"k")), u"klmnopqrrs");
+    EXPECT_EQ(text.prepend(u'j', 2), u"jjklmnopqrrs");
+    EXPECT_EQ(text.insert(1, u"-"), u"j-jklmnopqrrs");
+    EXPECT_EQ(text.insert(2, u'+', 2), u"j-++jklmnopqrrs");
+    EXPECT_EQ(text.insert(0, String(u"!")), u"!j-++jklmnopqrrs");
+    EXPECT_EQ(text.remove(1, 4), u"!jklmnopqrrs");
+    EXPECT_EQ(text.remove(2), u"!j");
+    text += u"a";
+    text += u'b';
+    text += String(u"c");
+    EXPECT_EQ(text, u"!jabc");
+    EXPECT_EQ(String(u"a") + String(u"b"), u"ab");
+}
+
+TEST(StringTest, LongTextsGrowUnitByUnit) {
+    String text;
+    for (int i = 0; i < 70000; ++i) {
+        text += static_cast<char16_t>(u'a' + i % 26);
+    }
+    ASSERT_EQ(text.getLength(), 70000);
+    EXPECT_EQ(text[69999], u'a' + 69999 % 26);
+    EXPECT_EQ(text.getData()[70000], 0);
+}
+
+TEST(StringTest, ImpossibleLengthsAreOutOfMemory) {
+    String text(u"abc");
+    EXPECT_THROW(text.append(u'x', std::numeric_limits<int>::max()), std::bad_alloc);
+    EXPECT_THROW(text.resize(std::numeric_limits<int>::max()), std::bad_alloc);
+    EXPECT_EQ(text, u"abc");
+}
+
+TEST(StringTest, ResizeCutsOrFills) {
+    String text(u"abc");
+    text.resize(5, u'-');
+    EXPECT_EQ(text, u"abc--");
+    text.resize(2, u'-');
+    EXPECT_EQ(text, u"ab");
+    text.resize(0);
+    EXPECT_EQ(text, u"");
+}
+
+TEST(StringTest, UnitsAreReadAndSet) {
+    String text(u"abc");
+    EXPECT_EQ(text.getCharAt(1), u'b');
+    EXPECT_EQ(text[2], u'c');
+    const String copy(text);
+    text.setCharAt(1, u'x');
+    EXPECT_EQ(text, u"axc");
+    EXPECT_EQ(copy, u"abc");
+}
+
+TEST(StringTest, SubstringCopiesARange) {
+    const String text(u"0123456789");
+    EXPECT_EQ(text.substring(2, 5), u"234");
+    EXPECT_EQ(text.substring(7), u"789");
+    EXPECT_EQ(text.substring(7, 99), u"789");
+    EXPECT_TRUE(shares(text.substring(5, 5), String()));
+    EXPECT_TRUE(shares(text.substring(8, 3), String()));
+    EXPECT_FALSE(shares(text.substring(0), text));
+}
+
+TEST(StringTest, CaseIsMappedInPlace) {
+    String text(u"aÀßЖ中Z");
+    text.toLower();
+    EXPECT_EQ(text, u"aàßж中z");
+    text.toUpper();
+    EXPECT_EQ(text, u"AÀßЖ中Z");
+    String withNul(u"a\0b", 3);
+    withNul.toUpper();
+    EXPECT_EQ(withNul, String(u"A\0B", 3));
+}
+
+TEST(StringTest, TranslateMapsOneUnit) {
+    String text(u"a/b/c");
+    text.translate(u'/', u'\\');
+    EXPECT_EQ(text, u"a\\b\\c");
+}
+
+TEST(StringTest, TranslateOfTextsLeavesTheTextAsItWas) {
+    String text(u"abc");
+    text.translate(u"abc", 3, u"xyz", 3);
+    text.translate(String(u"abc"), String(u"xyz"));
+    text.translate(u"abc", u"xyz");
+    EXPECT_EQ(text, u"abc");
+}
+
+TEST(StringTest, TrimTakesTheFourBlanks) {
+    String text(u"\t a b \r\n");
+    text.trim(String::TRIM_LEFT);
+    EXPECT_EQ(text, u"a b \r\n");
+    text.trim(String::TRIM_RIGHT);
+    EXPECT_EQ(text, u"a b");
+    String blanks(u"\t  \r\n");
+    blanks.trim();
+    EXPECT_EQ(blanks, u"");
+    EXPECT_EQ(blanks.getData()[0], 0);
+    String others(u"\v\u00A0a\v");
+    others.trim(String::TRIM_BOTH);
+    EXPECT_EQ(others, u"\v\u00A0a\v");
+}
+
+TEST(StringTest, TrimTakesASetWhoseLengthDoesNotCount) {
+    String text(u"xyaxy");
+    text.trim(u"xy", 1, String::TRIM_BOTH);
+    EXPECT_EQ(text, u"a");
+    String other(u"xyaxy");
+    other.trim(String(u"xy"), String::TRIM_LEFT);
+    EXPECT_EQ(other, u"axy");
+    other.trim(u'y', String::TRIM_RIGHT);
+    EXPECT_EQ(other, u"ax");
+    String all(u"xx");
+    all.trim(all, String::TRIM_BOTH);
+    EXPECT_EQ(all, u"");
+}
+
+// --- Comparison ---
+
+TEST(StringTest, CompareGivesASignOrTheDifferenceOfLengths) {
+    EXPECT_EQ(String(u"abc").compare(u"abd"), -1);
+    EXPECT_EQ(String(u"abz").compare(u"aba"), 1);
+    EXPECT_EQ(String(u"ab").compare(u"abc"), -1);
+    EXPECT_EQ(String(u"abcde").compare(u"abc"), 2);
+    EXPECT_EQ(String(u"abc").compare(String(u"abc")), 0);
+    EXPECT_EQ(String(u"").compare(u""), 0);
+    EXPECT_EQ(String(u"\uFFFF").compare(u"\u0001"), 1) << "units are unsigned";
+    EXPECT_EQ(String(u"abc").compare(u"abX", 2), 1);
+    EXPECT_EQ(String(u"ABC").compare(String(u"abc"), true), 0);
+    EXPECT_EQ(String(u"ABCDE").compare(u"abc", -1, true), 2);
+    EXPECT_LT(String(u"ABC").compare(u"abd", -1, true), 0);
+}
+
+TEST(StringTest, CompareFindsTheDifferenceAtEveryPlace) {
+    for (int length = 1; length < 40; ++length) {
+        for (int place = 0; place < length; ++place) {
+            String left = ofLength(length);
+            String right = ofLength(length);
+            left.setCharAt(place, u'b');
+            EXPECT_EQ(left.compare(right), 1);
+            EXPECT_EQ(right.compare(left), -1);
+            EXPECT_FALSE(left.equals(right));
+        }
+    }
+}
+
+TEST(StringTest, EqualsNeedsTheSameLength) {
+    EXPECT_TRUE(String(u"abc").equals(u"abc"));
+    EXPECT_FALSE(String(u"abc").equals(u"ab"));
+    EXPECT_FALSE(String(u"abc").equals(u"abcd"));
+    EXPECT_TRUE(String(u"abc").equals(u"abX", 2) == false);
+    EXPECT_TRUE(String(u"ÀЖ").equals(String(u"àж"), true));
+    EXPECT_FALSE(String(u"À").equals(String(u"à"), false));
+    EXPECT_TRUE(String(u"a\0b", 3).equals(String(u"a\0b", 3)));
+    EXPECT_FALSE(String(u"a\0b", 3).equals(String(u"a\0c", 3)));
+    EXPECT_FALSE(String(u"a\0b", 3).equals(String(u"a\0c", 3), true));
+}
+
+TEST(StringTest, StartsAndEnds) {
+    const String text(u"Hello");
+    EXPECT_TRUE(text.startsWith(u"Hel"));
+    EXPECT_FALSE(text.startsWith(u"hel"));
+    EXPECT_TRUE(text.startsWith(u"hel", -1, true));
+    EXPECT_TRUE(text.startsWith(String(u"hel"), true));
+    EXPECT_TRUE(text.startsWith(u""));
+    EXPECT_FALSE(text.startsWith(u"Hello World"));
+    EXPECT_TRUE(text.endsWith(u"llo"));
+    EXPECT_TRUE(text.endsWith(String(u"LLO"), true));
+    EXPECT_TRUE(text.endsWith(u""));
+    EXPECT_FALSE(text.endsWith(u"xHello"));
+    EXPECT_TRUE(text.endsWith(u"loX", 2));
+}
+
+TEST(StringTest, RegionsAreCut) {
+    const String text(u"0123456789");
+    EXPECT_TRUE(text.regionMatches(2, 3, u"xx234", -1, 2));
+    EXPECT_FALSE(text.regionMatches(2, 3, u"xx2345", -1, 2));
+    EXPECT_TRUE(text.regionMatches(-1, 5, u"", 0, 0)) << "-1 is the end";
+    EXPECT_TRUE(text.regionMatches(99, 5, u"abc", -1, 9)) << "both regions are empty";
+    EXPECT_EQ(text.regionCompare(2, -1, u"23", -1, 0), 6);
+    EXPECT_EQ(text.regionCompare(8, 99, u"89", -1, 0), 0);
+    EXPECT_EQ(text.regionCompare(2, 2, String(u"x24"), 1), -1);
+    EXPECT_TRUE(String(u"ABC").regionMatches(1, 2, String(u"xbc"), 1, true));
+    EXPECT_EQ(String(u"ABC").regionCompare(1, 2, u"bc", -1, 0, true), 0);
+}
+
+TEST(StringTest, ObjectMethodsKnowStrings) {
+    const String text(u"abc");
+    const Object& object = text;
+    EXPECT_EQ(object.compareTo(object), 0);
+    EXPECT_EQ(object.compareTo(String(u"abd")), -1);
+    EXPECT_EQ(support::thrownText<CastFailedException>([&] { object.compareTo(Object()); }), "");
+    EXPECT_TRUE(object.equals(String(u"abc")));
+    EXPECT_TRUE(object.equals(object));
+    EXPECT_FALSE(object.equals(Object()));
+    EXPECT_TRUE(shares(object.toString(), text));
+    EXPECT_EQ(object.hashCode(), text.hashCode(false));
+}
+
+TEST(StringTest, OperatorsCompareTexts) {
+    EXPECT_TRUE(String(u"a") == String(u"a"));
+    EXPECT_TRUE(String(u"a") != u"b");
+    EXPECT_TRUE(String(u"a") < String(u"b"));
+    EXPECT_TRUE(String(u"b") > String(u"a"));
+}
+
+// --- Hash ---
+
+TEST(StringTest, HashIsTheMultiplierOverTheSampledUnits) {
+    EXPECT_EQ(String().hashCode(), 0u);
+    EXPECT_EQ(String(u"a").hashCode(), 97u);
+    EXPECT_EQ(String(u"ab").hashCode(), 97u * 37 + 98);
+    EXPECT_EQ(String(u"AB").hashCode(true), String(u"ab").hashCode());
+    EXPECT_NE(String(u"AB").hashCode(false), String(u"ab").hashCode());
+}
+
+TEST(StringTest, LongHashesReadEveryNthUnit) {
+    const auto sensitive = [](int length, int place) {
+        String changed = ofLength(length);
+        changed.setCharAt(place, u'b');
+        return changed.hashCode() != ofLength(length).hashCode();
+    };
+    EXPECT_TRUE(sensitive(63, 1));
+    EXPECT_TRUE(sensitive(63, 62));
+    EXPECT_FALSE(sensitive(64, 1));
+    EXPECT_TRUE(sensitive(64, 2));
+    EXPECT_TRUE(sensitive(95, 94));
+    EXPECT_FALSE(sensitive(96, 2));
+    EXPECT_TRUE(sensitive(96, 3));
+}
+
+// --- Search ---
+
+TEST(StringTest, IndexOfFindsTheFirstMatch) {
+    const String text(u"abcabcABC");
+    EXPECT_EQ(text.indexOf(u"bc"), 1);
+    EXPECT_EQ(text.indexOf(u"bc", -1, 2), 4);
+    EXPECT_EQ(text.indexOf(u"bcX", 2, 5), -1);
+    EXPECT_EQ(text.indexOf(u"bc", -1, 5, true), 7);
+    EXPECT_EQ(text.indexOf(String(u"ABC")), 6);
+    EXPECT_EQ(text.indexOf(String(u"ABC"), 0, true), 0);
+    EXPECT_EQ(text.indexOf(u'c'), 2);
+    EXPECT_EQ(text.indexOf(u'c', 3), 5);
+    EXPECT_EQ(text.indexOf(u'C', 3, true), 5);
+    EXPECT_EQ(text.indexOf(u'z'), -1);
+    EXPECT_EQ(text.indexOf(u"abc", -1, 9), -1);
+    EXPECT_EQ(text.indexOf(u"abcabcABCx"), -1);
+    EXPECT_EQ(text.indexOf(u"abcabcABC"), 0);
+}
+
+TEST(StringTest, EmptyTextIsNeverFound) {
+    const String text(u"abc");
+    EXPECT_EQ(text.indexOf(u""), -1);
+    EXPECT_EQ(text.indexOf(u"abc", 0), -1);
+    EXPECT_EQ(text.lastIndexOf(u""), -1);
+    EXPECT_FALSE(text.contains(u""));
+    EXPECT_FALSE(text.contains(String()));
+    EXPECT_TRUE(text.contains(u"b"));
+    EXPECT_TRUE(text.contains(String(u"BC"), true));
+    EXPECT_FALSE(text.contains(String(u"BC")));
+}
+
+TEST(StringTest, IndexOfFindsNeedlesAtEveryPlace) {
+    for (int length = 1; length < 40; ++length) {
+        for (int needle = 1; needle <= length && needle < 12; ++needle) {
+            for (int place = 0; place + needle <= length; ++place) {
+                String text = ofLength(length);
+                for (int i = 0; i < needle; ++i) {
+                    text.setCharAt(place + i, static_cast<char16_t>(u'b' + i));
+                }
+                const String wanted = text.substring(place, place + needle);
+                ASSERT_EQ(text.indexOf(wanted), place);
+                ASSERT_EQ(text.lastIndexOf(wanted), place);
+                String upper(wanted);
+                upper.toUpper();
+                ASSERT_EQ(text.indexOf(upper, 0, true), place);
+                ASSERT_EQ(text.indexOf(upper), -1);
+            }
+        }
+    }
+}
+
+TEST(StringTest, LastIndexOfFindsTheLastMatchThatEndsInTime) {
+    const String text(u"abcabcABC");
+    EXPECT_EQ(text.lastIndexOf(u"bc"), 4);
+    EXPECT_EQ(text.lastIndexOf(u"bc", -1, 4), 1) << "the match must end at or before 4";
+    EXPECT_EQ(text.lastIndexOf(u"bc", -1, 5), 4);
+    EXPECT_EQ(text.lastIndexOf(u"bc", -1, 99), 4);
+    EXPECT_EQ(text.lastIndexOf(u"bc", -1, -1, true), 7);
+    EXPECT_EQ(text.lastIndexOf(u"bc", -1, 1), -1);
+    EXPECT_EQ(text.lastIndexOf(String(u"abc")), 3);
+    EXPECT_EQ(text.lastIndexOf(u'a'), 3);
+    EXPECT_EQ(text.lastIndexOf(u'a', 2), 0);
+    EXPECT_EQ(text.lastIndexOf(u'a', -1, true), 6);
+    EXPECT_EQ(text.lastIndexOf(u'z'), -1);
+    EXPECT_EQ(String().lastIndexOf(u'a'), -1);
+}
+
+TEST(StringTest, SetsAreSearchedForward) {
+    const String text(u"key = value");
+    EXPECT_EQ(text.findFirstOf(u"=:"), 4);
+    EXPECT_EQ(text.findFirstOf(u"=:", -1, 5), -1);
+    EXPECT_EQ(text.findFirstOf(String(u" ")), 3);
+    EXPECT_EQ(text.findFirstOf(u"V", -1, 0, true), 6);
+    EXPECT_EQ(text.findFirstOf(u"V"), -1);
+    EXPECT_EQ(text.findFirstOf(u"=:x", 1), 4);
+    EXPECT_EQ(text.findFirstNotOf(u"key"), 3);
+    EXPECT_EQ(text.findFirstNotOf(String(u"KEY"), 0, true), 3);
+    EXPECT_EQ(text.findFirstNotOf(u"key =", -1, 1), 6);
+    EXPECT_EQ(String(u"aaa").findFirstNotOf(u"a"), -1);
+    EXPECT_EQ(text.findFirstOfCase(u"V"), -1);
+    EXPECT_EQ(text.findFirstOfCase(String(u"v")), 6);
+    EXPECT_EQ(text.findFirstOf(u"k", -1, 99), -1);
+}
+
+TEST(StringTest, SetsAreSearchedBackward) {
+    const String text(u"key = value");
+    EXPECT_EQ(text.findLastOf(u" "), 5);
+    EXPECT_EQ(text.findLastOf(u" ", -1, 4), 3);
+    EXPECT_EQ(text.findLastOf(String(u"K"), -1, true), 0);
+    EXPECT_EQ(text.findLastOf(u"z"), -1);
+    EXPECT_EQ(text.findLastNotOf(u"value"), 5);
+    EXPECT_EQ(text.findLastNotOf(String(u"VALUE ="), -1, true), 2);
+    EXPECT_EQ(text.findLastNotOf(u"e", -1, 99), 9);
+    EXPECT_EQ(text.findLastNotOf(u"key"  , -1, 2), -1);
+}
+
+TEST(StringTest, EmptySetFindsNothingNotEvenForTheNotForms) {
+    const String text(u"abc");
+    EXPECT_EQ(text.findFirstOf(u""), -1);
+    EXPECT_EQ(text.findFirstNotOf(u""), -1);
+    EXPECT_EQ(text.findLastOf(String()), -1);
+    EXPECT_EQ(text.findLastNotOf(u""), -1);
+}
+
+// --- The buffer faces ---
+
+TEST(StringTest, NativeLocksWriteThrough) {
+    String text(u"abc");
+    EXPECT_EQ(text.getReadLock(), text.getData());
+    text.releaseReadLock();
+    char16_t* data = text.getWriteLock(10);
+    data[3] = u'd';
+    data = text.ensureCapacity(100);
+    data[4] = u'e';
+    text.releaseWriteLock(5);
+    EXPECT_EQ(text, u"abcde");
+    EXPECT_EQ(text.getDataT(1), text.getData());
+    EXPECT_STREQ(text.getDataT(true), "abcde");
+    EXPECT_EQ(text.getReadLockT(1), text.getData());
+    text.releaseReadLock();
+    EXPECT_STREQ(text.getReadLockT(false), "abcde");
+    text.releaseReadLock();
+    text.freeExtra();
+    EXPECT_EQ(text, u"abcde");
+}
+
+TEST(StringComponentTest, FilledByAWriterThatTerminates) {
+    String text;
+    util::ICharBuffer& face = text;
+    char16_t* data = nullptr;
+    ASSERT_EQ(face.GetWriteLock(8, &data), 0);
+    std::u16string(u"written").copy(data, 8);
+    data[7] = 0;
+    EXPECT_EQ(face.ReleaseWriteLock(-1), 0);
+    EXPECT_EQ(text, u"written");
+    EXPECT_EQ(face.GetLength(), 7);
+}
+
+TEST(StringComponentTest, FilledByAWriterThatDoesNotTerminate) {
+    String text;
+    util::ICharBuffer& face = text;
+    char16_t* data = nullptr;
+    ASSERT_EQ(face.GetWriteLock(3, &data), 0);
+    data[0] = data[1] = data[2] = u'x';
+    EXPECT_EQ(face.EnsureCapacity(40, &data), 0);
+    data[3] = u'y';
+    EXPECT_EQ(face.ReleaseWriteLock(4), 0);
+    EXPECT_EQ(text, u"xxxy");
+    EXPECT_EQ(face.GetData()[4], 0);
+    const char16_t* read = nullptr;
+    EXPECT_EQ(face.GetReadLock(&read), 0);
+    EXPECT_EQ(read, face.GetData());
+    EXPECT_EQ(face.ReleaseReadLock(), 0);
+    EXPECT_EQ(face.FreeExtra(), 0);
+    EXPECT_EQ(text, u"xxxy");
+}
+
+TEST(StringComponentTest, WriteLockSeparates) {
+    const String text(u"text");
+    String copy(text);
+    util::ICharBuffer& face = copy;
+    char16_t* data = nullptr;
+    ASSERT_EQ(face.GetWriteLock(0, &data), 0);
+    data[0] = u'T';
+    EXPECT_EQ(face.ReleaseWriteLock(4), 0);
+    EXPECT_EQ(text, u"text");
+    EXPECT_EQ(copy, u"Text");
+}
+
+TEST(StringComponentTest, EnsureCapacityDoesNotSeparate) {
+    String text(u"literal"_lit);
+    char16_t* data = nullptr;
+    EXPECT_EQ(static_cast<util::ICharBuffer&>(text).EnsureCapacity(1, &data), QV_E_NOTIMPL);
+    EXPECT_EQ(data, nullptr);
+    EXPECT_EQ(support::thrownResult([&] { text.ensureCapacity(1); }), QV_E_NOTIMPL);
+}
+
+TEST(StringComponentTest, AnswersTheInterfacesOfABuffer) {
+    String text(u"abc");
+    text.AddRef();
+    void* out = nullptr;
+    ASSERT_EQ(text.QueryInterface(IID_IQVCharBuffer, &out), 0);
+    EXPECT_EQ(static_cast<IQVCharBuffer*>(out)->GetLength(), 3);
+    ASSERT_EQ(text.QueryInterface(IID_IQVComparable, &out), 0);
+    String other(u"abd");
+    int order = 0;
+    EXPECT_EQ(static_cast<IQVComparable*>(out)->CompareTo(static_cast<ComObject*>(&other), &order),
+              0);
+    EXPECT_EQ(order, -1);
+    Object object;
+    EXPECT_EQ(static_cast<IQVComparable*>(out)->CompareTo(static_cast<ComObject*>(&object), &order),
+              QV_E_FAIL);
+    EXPECT_EQ(order, 0);
+}
+
+} // namespace

@@ -1,0 +1,60 @@
+#include "qv/sync/Gate.h"
+
+#include "tests/support/Slots.h"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+using namespace qv;
+
+TEST(GateTest, IsClosedAtFirst) {
+    sync::Gate gate;
+    EXPECT_FALSE(gate.tryWait());
+    EXPECT_FALSE(gate.wait(0));
+    EXPECT_FALSE(gate.wait(5));
+}
+
+TEST(GateTest, StaysOpenForEveryWaiter) {
+    sync::Gate gate("a name", 0);
+    gate.open();
+    EXPECT_TRUE(gate.tryWait());
+    EXPECT_TRUE(gate.tryWait());
+    EXPECT_TRUE(gate.wait(0));
+    gate.wait();
+}
+
+TEST(GateTest, HoldsWaitersAgainOnceClosed) {
+    sync::Gate gate;
+    gate.open();
+    gate.close();
+    EXPECT_FALSE(gate.tryWait());
+    EXPECT_FALSE(gate.wait(0));
+}
+
+TEST(GateThreadsTest, OpeningLetsAllWaitersPass) {
+    sync::Gate gate;
+    std::vector<std::thread> waiters;
+    for (int i = 0; i < 3; ++i) {
+        waiters.emplace_back([&] { gate.wait(); });
+    }
+    waiters.emplace_back([&] { EXPECT_TRUE(gate.wait(0xFFFFFFFF)); });
+    gate.open();
+    for (std::thread& waiter : waiters) {
+        waiter.join();
+    }
+}
+
+TEST(GateTest, HasItsOperationsInOrder) {
+    using Timed = bool (sync::Gate::*)(std::uint32_t);
+    support::expectConsecutive({
+        support::slotOf(&sync::Object::wait),
+        support::slotOf(&sync::Object::tryWait),
+        support::slotOf(static_cast<Timed>(&sync::Gate::wait)),
+        support::slotOf(&sync::Gate::open),
+        support::slotOf(&sync::Gate::close),
+    });
+}
+
+} // namespace

@@ -1,0 +1,224 @@
+#include "qv/util/MTBuffer.h"
+
+#include "qv/util/BufferLocks.h"
+#include "tests/support/Throws.h"
+
+#include <atomic>
+#include <future>
+#include <gtest/gtest.h>
+#include <limits>
+#include <new>
+#include <thread>
+
+namespace {
+
+using namespace qv;
+
+template <class Unit> class MTBufferTest : public testing::Test {
+protected:
+    using Buffer = util::MTBuffer<Unit>;
+
+    static std::vector<Unit> contents(const Buffer& buffer) {
+        return {buffer.getData(), buffer.getData() + buffer.getLength()};
+    }
+
+    const Unit units_[3] = {Unit{1}, Unit{2}, Unit{3}};
+    const std::vector<Unit> expected_{Unit{1}, Unit{2}, Unit{3}};
+};
+
+template <class Unit> class MTBufferThreadsTest : public MTBufferTest<Unit> {};
+
+using Units = testing::Types<signed char, char16_t>;
+TYPED_TEST_SUITE(MTBufferTest, Units);
+TYPED_TEST_SUITE(MTBufferThreadsTest, Units);
+
+TYPED_TEST(MTBufferTest, StartsEmpty) {
+    util::MTBuffer<TypeParam> buffer;
+    EXPECT_EQ(buffer.getLength(), 0);
+    EXPECT_EQ(buffer.getData(), nullptr);
+    EXPECT_TRUE(buffer.isEmpty());
+    EXPECT_TRUE(buffer.isWritable());
+}
+
+TYPED_TEST(MTBufferTest, MakesRoomAtConstruction) {
+    util::MTBuffer<TypeParam> buffer(17);
+    const TypeParam* const data = buffer.getData();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(buffer.getLength(), 0);
+    EXPECT_EQ(buffer.getWriteLock(32), data);
+    buffer.releaseWriteLock(0);
+}
+
+TYPED_TEST(MTBufferTest, CopiesUnitsAtConstruction) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 100);
+    EXPECT_EQ(this->contents(buffer), this->expected_);
+}
+
+TYPED_TEST(MTBufferTest, AWriterSetsTheLength) {
+    util::MTBuffer<TypeParam> buffer;
+    TypeParam* const data = buffer.getWriteLock(3);
+    std::copy_n(this->units_, 3, data);
+    buffer.releaseWriteLock(3);
+    EXPECT_EQ(this->contents(buffer), this->expected_);
+    static_cast<void>(buffer.getWriteLock(3));
+    buffer.releaseWriteLock(-1);
+    EXPECT_EQ(buffer.getLength(), 3);
+}
+
+TYPED_TEST(MTBufferTest, ACopyHasALockOfItsOwn) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    static_cast<void>(buffer.getWriteLock(3));
+    util::MTBuffer<TypeParam> copy(buffer);
+    EXPECT_EQ(copy.getReadLock()[2], TypeParam{3});
+    copy.releaseReadLock();
+    buffer.releaseWriteLock(-1);
+}
+
+TYPED_TEST(MTBufferTest, AssignmentTakesNoLockOfEitherSide) {
+    util::MTBuffer<TypeParam> source(this->units_, 3, 0);
+    util::MTBuffer<TypeParam> target;
+    target = source;
+    EXPECT_EQ(this->contents(target), this->expected_);
+
+    static_cast<void>(source.getWriteLock(3));
+    static_cast<void>(target.getReadLock());
+    target = source;
+    EXPECT_EQ(this->contents(target), this->expected_);
+    target.releaseReadLock();
+    source.releaseWriteLock(-1);
+}
+
+TYPED_TEST(MTBufferTest, AssignmentToItselfChangesNothing) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    const util::MTBuffer<TypeParam>& same = buffer;
+    buffer = same;
+    EXPECT_EQ(this->contents(buffer), this->expected_);
+}
+
+TYPED_TEST(MTBufferTest, AWriterMayGrowTheBufferUnderItsLock) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    static_cast<void>(buffer.getWriteLock(3));
+    TypeParam* const grown = buffer.ensureCapacity(1000);
+    grown[999] = TypeParam{9};
+    EXPECT_EQ(grown[2], TypeParam{3});
+    buffer.releaseWriteLock(1000);
+    EXPECT_EQ(buffer.getLength(), 1000);
+}
+
+TYPED_TEST(MTBufferTest, FreeExtraCutsTheRoomAndGivesTheLockBack) {
+    util::MTBuffer<TypeParam> buffer(1000);
+    buffer.freeExtra();
+    EXPECT_EQ(buffer.getData(), nullptr);
+    static_cast<void>(buffer.getWriteLock(1));
+    buffer.releaseWriteLock(0);
+}
+
+TYPED_TEST(MTBufferTest, ALockThatIsNotHeldIsNotReleased) {
+    util::MTBuffer<TypeParam> buffer(16);
+    EXPECT_EQ(support::thrownResult([&] { buffer.releaseReadLock(); }), QV_E_NOTOWNER);
+    EXPECT_EQ(support::thrownResult([&] { buffer.releaseWriteLock(5); }), QV_E_NOTOWNER);
+    EXPECT_EQ(buffer.getLength(), 5) << "the length is stored before the lock is given back";
+}
+
+TYPED_TEST(MTBufferTest, AnswersOnTheComponentFace) {
+    util::MTBuffer<TypeParam> buffer;
+    util::IBuffer<TypeParam>& face = buffer;
+    EXPECT_EQ(face.IsWritable(), 1);
+    TypeParam* data = nullptr;
+    ASSERT_EQ(face.GetWriteLock(2, &data), QV_S_OK);
+    data[0] = TypeParam{7};
+    EXPECT_EQ(face.EnsureCapacity(100, &data), QV_S_OK);
+    EXPECT_EQ(face.ReleaseWriteLock(1), QV_S_OK);
+    const TypeParam* read = nullptr;
+    ASSERT_EQ(face.GetReadLock(&read), QV_S_OK);
+    EXPECT_EQ(read[0], TypeParam{7});
+    EXPECT_EQ(face.ReleaseReadLock(), QV_S_OK);
+    EXPECT_EQ(face.ReleaseReadLock(), QV_E_NOTOWNER);
+    EXPECT_EQ(face.FreeExtra(), QV_S_OK);
+    EXPECT_EQ(face.GetLength(), 1);
+}
+
+TYPED_TEST(MTBufferThreadsTest, AWriteLockWithoutMemoryStaysHeld) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    EXPECT_THROW(static_cast<void>(buffer.getWriteLock(std::numeric_limits<int>::max())),
+                 std::bad_alloc);
+    std::atomic<bool> isRead = false;
+    std::thread reader([&] {
+        const util::BufferReadLock<TypeParam> lock(buffer);
+        isRead = true;
+    });
+    EXPECT_FALSE(isRead);
+    buffer.releaseWriteLock(-1);
+    reader.join();
+    EXPECT_TRUE(isRead);
+}
+
+TYPED_TEST(MTBufferThreadsTest, ReadersHoldTheirLocksTogetherAndAWriterWaitsForBoth) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    std::promise<void> bothRead;
+    std::promise<void> mayEnd;
+    std::shared_future<void> ending = mayEnd.get_future().share();
+    std::atomic<bool> isWritten = false;
+
+    static_cast<void>(buffer.getReadLock());
+    std::thread otherReader([&] {
+        static_cast<void>(buffer.getReadLock());
+        bothRead.set_value();
+        ending.wait();
+        EXPECT_FALSE(isWritten);
+        buffer.releaseReadLock();
+    });
+    bothRead.get_future().wait();
+    std::thread writer([&] {
+        static_cast<void>(buffer.getWriteLock(3));
+        isWritten = true;
+        buffer.releaseWriteLock(0);
+    });
+    buffer.releaseReadLock();
+    EXPECT_FALSE(isWritten);
+    mayEnd.set_value();
+    otherReader.join();
+    writer.join();
+    EXPECT_TRUE(isWritten);
+    EXPECT_EQ(buffer.getLength(), 0);
+}
+
+TYPED_TEST(MTBufferThreadsTest, TheUnlockedOperationsDoNotWaitForAWriter) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    const TypeParam* const data = buffer.getWriteLock(3);
+    std::thread([&] {
+        EXPECT_EQ(buffer.getLength(), 3);
+        EXPECT_EQ(buffer.getData(), data);
+        EXPECT_EQ(buffer.ensureCapacity(16), data);
+    }).join();
+    buffer.releaseWriteLock(-1);
+}
+
+TYPED_TEST(MTBufferThreadsTest, ACopyDoesNotWaitForAWriter) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    static_cast<void>(buffer.getWriteLock(3));
+    std::thread([&] {
+        const util::MTBuffer<TypeParam> copy(buffer);
+        EXPECT_EQ(this->contents(copy), this->expected_);
+    }).join();
+    buffer.releaseWriteLock(-1);
+}
+
+TYPED_TEST(MTBufferThreadsTest, WritersTakeTurns) {
+    util::MTBuffer<TypeParam> buffer;
+    const auto appendMany = [&] {
+        for (int i = 0; i < 200; ++i) {
+            static_cast<void>(buffer.getWriteLock(0));
+            const int length = buffer.getLength();
+            buffer.ensureCapacity(length + 1)[length] = TypeParam{1};
+            buffer.releaseWriteLock(length + 1);
+        }
+    };
+    std::thread first(appendMany);
+    std::thread second(appendMany);
+    first.join();
+    second.join();
+    EXPECT_EQ(this->contents(buffer), std::vector<TypeParam>(400, TypeParam{1}));
+}
+
+} // namespace
