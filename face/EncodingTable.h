@@ -14,8 +14,8 @@ struct CodecRow {
     const char16_t* decoderClass;
 };
 
-/// The encodings that library start registers: each main row with its aliases behind it, 45 in all, ended
-/// by a row whose name is null.
+/// The encodings that library start registers: each main row with its aliases behind it, 45 in all,
+/// ended by a row whose name is null.
 extern const CodecRow codecTable[];
 
 /// An encoding that has a code page and no converter inside the library: a component may serve it.

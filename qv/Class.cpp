@@ -1,6 +1,7 @@
 #include "qv/Class.h"
 
 #include "qv/ClassManager.h"
+#include "qv/Exceptions.h"
 
 namespace qv {
 

@@ -29,6 +29,9 @@ public:
 
     // Slot order ends here.
 
+    /// True if `createInstance` can make instances.
+    bool hasFactory() const noexcept { return factory_ != nullptr; }
+
     /// The record of a name; upper and lower case differ.
     /// @throws ClassNotFoundException with the name.
     static const Class* forName(const char16_t* name);

@@ -1,6 +1,7 @@
 #include "qv/ClassManager.h"
 
 #include "qv/Reference.h"
+#include "qv/util/SingletonImpl.h"
 #include "qvcore/Text.h"
 
 #include <cstdlib>

@@ -39,4 +39,4 @@ using ClassManager = util::Singleton<ClassManagerBase, &g_pGlobalLock>;
 
 } // namespace qv
 
-extern template class QV_API_TEMPLATE qv::util::Singleton<qv::ClassManagerBase, &g_pGlobalLock>;
+QV_EXTERN_INSTANCE(qv::util::Singleton<qv::ClassManagerBase, &g_pGlobalLock>);

@@ -19,9 +19,13 @@
 #    define QV_API_DATA QV_API
 #endif
 
-/// Marks an explicit instantiation of a template that the library exports.
-#ifdef _WIN32
-#    define QV_API_TEMPLATE QV_API
+/// QV_API_TEMPLATE marks a class template of which the library exports instances, and
+/// QV_EXTERN_INSTANCE(class) declares such an instance, so that users do not make it again. A user's
+/// module on Windows makes the instance's inline members itself: the library exports only the others.
+#if defined(_WIN32) && !defined(QVCL_BUILD)
+#    define QV_API_TEMPLATE
+#    define QV_EXTERN_INSTANCE(...) static_assert(true)
 #else
-#    define QV_API_TEMPLATE __attribute__((visibility("default")))
+#    define QV_API_TEMPLATE QV_API
+#    define QV_EXTERN_INSTANCE(...) extern template class QV_API __VA_ARGS__
 #endif

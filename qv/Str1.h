@@ -226,7 +226,7 @@ private:
     StrBuf1Fixed<N> store_;
 };
 
-extern template class QV_API_TEMPLATE StrBuf1Fixed<128>;
-extern template class QV_API_TEMPLATE Str1Fixed<128>;
+QV_EXTERN_INSTANCE(StrBuf1Fixed<128>);
+QV_EXTERN_INSTANCE(Str1Fixed<128>);
 
 } // namespace qv

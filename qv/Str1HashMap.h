@@ -17,7 +17,7 @@ namespace qv {
 /// lies inside another object: then they are copied.
 ///
 /// Thread safety: one thread at a time, also for reading: a look-up counts on the key's store.
-template <class V> class QV_API Str1HashMap {
+template <class V> class QV_API_TEMPLATE Str1HashMap {
     struct Entry;
 
 public:
@@ -217,7 +217,7 @@ private:
 };
 
 /// The map with case-blind keys: it knows them by their lower-case form.
-template <class V> class QV_API Str1HashMapLC : public Str1HashMap<V> {
+template <class V> class QV_API_TEMPLATE Str1HashMapLC : public Str1HashMap<V> {
 public:
     using Str1HashMap<V>::Str1HashMap;
 
@@ -228,9 +228,9 @@ protected:
     }
 };
 
-extern template class QV_API_TEMPLATE Str1HashMap<Str1>;
-extern template class QV_API_TEMPLATE Str1HashMap<void*>;
-extern template class QV_API_TEMPLATE Str1HashMap<CopyReference<ComObject>>;
-extern template class QV_API_TEMPLATE Str1HashMapLC<Str1>;
+QV_EXTERN_INSTANCE(Str1HashMap<Str1>);
+QV_EXTERN_INSTANCE(Str1HashMap<void*>);
+QV_EXTERN_INSTANCE(Str1HashMap<CopyReference<ComObject>>);
+QV_EXTERN_INSTANCE(Str1HashMapLC<Str1>);
 
 } // namespace qv

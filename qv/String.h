@@ -226,6 +226,7 @@ public:
     /// encoding. The terminator is as wide as the encoding's widest character.
     /// @throws text::charset::UnknownEncodingException, as all of these.
     const char* getBytes(const char16_t* encoding = nullptr) const;
+    const char* getBytes(std::nullptr_t) const { return getBytes(); }
     /// Into a buffer, terminator included in its length.
     void getBytes(util::IByteBuffer* out, const char16_t* encoding = nullptr) const;
     /// Into memory of the caller's, cut where it is too small.

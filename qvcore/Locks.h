@@ -20,9 +20,10 @@ QVCORE_API int32_t QVMutexTryAcquire(uint64_t handle) QVCORE_NOEXCEPT;
 QVCORE_API int32_t QVMutexRelease(uint64_t handle) QVCORE_NOEXCEPT;
 QVCORE_API int32_t QVMutexDestroy(uint64_t handle) QVCORE_NOEXCEPT;
 
-/// Reader-writer lock, not recursive on either side. Readers pass together; a waiting writer holds
-/// back new readers, so that it is not starved. A release of a side that is not held returns
-/// 0x80070120; destroying a held lock is refused with 0x800700AA.
+/// Reader-writer lock. Readers pass together; a waiting writer holds back new readers, so that it
+/// is not starved, but never a thread that reads already. It is not recursive otherwise: a thread
+/// that would wait for itself is refused with 0x8007046B (deadlock). A release of a side that the
+/// thread does not hold returns 0x80070120; destroying a held lock is refused with 0x800700AA.
 QVCORE_API int32_t QVRWLockCreate(const char* name, uint32_t flags,
                                   uint64_t* handle) QVCORE_NOEXCEPT;
 QVCORE_API int32_t QVRWLockAcquireWrite(uint64_t handle) QVCORE_NOEXCEPT;
@@ -63,6 +64,8 @@ QVCORE_API int32_t QVSemaphoreDestroy(uint64_t handle) QVCORE_NOEXCEPT;
 /// Condition variable with a recursive mutex of its own. Wait gives the mutex up for the time of
 /// the wait, whole, and has it back on return, also on a timeout. A wait or a release by a thread
 /// that does not hold the mutex returns 0x80070120. Wakings are never spurious.
+/// A signal wakes the thread that has waited longest. Destroying a condition that is held or waited
+/// for is refused with 0x800700AA.
 QVCORE_API int32_t QVConditionCreate(const char* name, uint32_t flags,
                                      uint64_t* handle) QVCORE_NOEXCEPT;
 QVCORE_API int32_t QVConditionAcquire(uint64_t handle) QVCORE_NOEXCEPT;

@@ -84,6 +84,9 @@ std::int32_t OutputStreamWriter::runEnd(const char16_t* text, std::int32_t start
     while (end < limit && text::charset::detail::isSurrogate(text[end])) {
         ++end;
     }
+    if (end < length && text::charset::detail::isLeading(text[end - 1])) {
+        end += end - start > 1 ? -1 : 1; // a leading one goes with what stands behind it
+    }
     return end;
 }
 

@@ -21,7 +21,7 @@ template <> struct BufferInterface<char16_t> {
 
 /// Base of all buffers: the native face to implement, and the component face written once over it.
 template <class Unit>
-class QV_API AbstractBuffer : public Object, public detail::BufferInterface<Unit>::Type {
+class QV_API_TEMPLATE AbstractBuffer : public Object, public detail::BufferInterface<Unit>::Type {
 public:
     std::int32_t QueryInterface(const GUID& iid, void** out) noexcept override;
     std::uint32_t AddRef() const noexcept override { return ComObject::AddRef(); }
@@ -69,7 +69,7 @@ protected:
 using AbstractByteBuffer = AbstractBuffer<signed char>;
 using AbstractCharBuffer = AbstractBuffer<char16_t>;
 
-extern template class QV_API_TEMPLATE AbstractBuffer<signed char>;
-extern template class QV_API_TEMPLATE AbstractBuffer<char16_t>;
+QV_EXTERN_INSTANCE(AbstractBuffer<signed char>);
+QV_EXTERN_INSTANCE(AbstractBuffer<char16_t>);
 
 } // namespace qv::util

@@ -18,7 +18,7 @@ namespace qv::util {
 ///
 /// Owns: its memory and its lock. Thread safety: internally locked, as far as said above.
 template <class Unit>
-class QV_API MTBuffer : public RWBuffer<Unit> {
+class QV_API_TEMPLATE MTBuffer : public RWBuffer<Unit> {
 public:
     MTBuffer();
     explicit MTBuffer(int capacity);
@@ -45,7 +45,7 @@ private:
 using MTByteBuffer = MTBuffer<signed char>;
 using MTCharBuffer = MTBuffer<char16_t>;
 
-extern template class QV_API_TEMPLATE MTBuffer<signed char>;
-extern template class QV_API_TEMPLATE MTBuffer<char16_t>;
+QV_EXTERN_INSTANCE(MTBuffer<signed char>);
+QV_EXTERN_INSTANCE(MTBuffer<char16_t>);
 
 } // namespace qv::util

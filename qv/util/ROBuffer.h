@@ -8,7 +8,7 @@ namespace qv::util {
 ///
 /// Borrows: the memory, which must outlive the buffer and its copies.
 /// Thread safety: const-safe.
-template <class Unit> class QV_API ROBuffer : public AbstractBuffer<Unit> {
+template <class Unit> class QV_API_TEMPLATE ROBuffer : public AbstractBuffer<Unit> {
 public:
     ROBuffer() noexcept = default;
     /// `capacity` is accepted for the sake of one form with RWBuffer, and dropped.
@@ -45,7 +45,7 @@ private:
 using ROByteBuffer = ROBuffer<signed char>;
 using ROCharBuffer = ROBuffer<char16_t>;
 
-extern template class QV_API_TEMPLATE ROBuffer<signed char>;
-extern template class QV_API_TEMPLATE ROBuffer<char16_t>;
+QV_EXTERN_INSTANCE(ROBuffer<signed char>);
+QV_EXTERN_INSTANCE(ROBuffer<char16_t>);
 
 } // namespace qv::util

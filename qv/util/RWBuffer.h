@@ -11,7 +11,7 @@ namespace qv::util {
 /// so an owner that grows by small steps applies a rule of its own.
 ///
 /// Owns: its memory. Thread safety: one thread at a time.
-template <class Unit> class QV_API RWBuffer : public AbstractBuffer<Unit> {
+template <class Unit> class QV_API_TEMPLATE RWBuffer : public AbstractBuffer<Unit> {
 public:
     RWBuffer() noexcept = default;
     /// @throws std::bad_alloc, as everything here that needs room.
@@ -51,7 +51,7 @@ private:
 using RWByteBuffer = RWBuffer<signed char>;
 using RWCharBuffer = RWBuffer<char16_t>;
 
-extern template class QV_API_TEMPLATE RWBuffer<signed char>;
-extern template class QV_API_TEMPLATE RWBuffer<char16_t>;
+QV_EXTERN_INSTANCE(RWBuffer<signed char>);
+QV_EXTERN_INSTANCE(RWBuffer<char16_t>);
 
 } // namespace qv::util

@@ -11,9 +11,8 @@
 
 namespace qv::core {
 
-namespace {
-
-/// The system's class factory interface, slot by slot.
+/// The system's class factory interface, slot by slot. It is implemented in other modules only, so
+/// that it must not have internal linkage: the compiler would find it to have no implementation.
 class ClassFactory {
 public:
     virtual std::int32_t queryInterface(const GUID& iid, void** out) = 0;
@@ -25,6 +24,8 @@ public:
 protected:
     ~ClassFactory() = default;
 };
+
+namespace {
 
 constexpr GUID classFactoryId = {
     0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};

@@ -60,9 +60,7 @@ std::int32_t QVGateWait(std::uint64_t handle) noexcept {
     return QVGateTimedWait(handle, Deadline::forever);
 }
 
-std::int32_t QVGateTryWait(std::uint64_t handle) noexcept {
-    return QVGateTimedWait(handle, 0);
-}
+std::int32_t QVGateTryWait(std::uint64_t handle) noexcept { return QVGateTimedWait(handle, 0); }
 
 std::int32_t QVGateTimedWait(std::uint64_t handle, std::uint32_t timeout) noexcept {
     return withHandle<GateObject>(handle,

@@ -175,21 +175,8 @@ private:
     bool readDecimal() { return readForm(decimal); }
 
     bool readForm(const Form& form) {
-        spelling_.clear();
         takeDigits(form, integerPlaces_);
-        const std::u16string separator = decimalSeparator();
-        if (std::u16string_view(at_, matching(separator)) == separator) {
-            const char16_t* start = at_;
-            const std::size_t before = spelling_.size();
-            at_ += separator.size();
-            spelling_ += '.';
-            std::int64_t fractionPlaces = 0;
-            takeDigits(form, fractionPlaces);
-            if (spelling_.size() == 1) {
-                at_ = start;
-                spelling_.resize(before);
-            }
-        }
+        takeFraction(form);
         if (spelling_.empty()) {
             return false;
         }
@@ -198,13 +185,22 @@ private:
         return true;
     }
 
-    /// How many units stand here as in `separator`.
-    std::size_t matching(std::u16string_view separator) const noexcept {
-        std::size_t count = 0;
-        while (count < separator.size() && at_[count] == separator[count]) {
-            ++count;
+    /// The separator counts only with a digit on one of its sides.
+    void takeFraction(const Form& form) {
+        const std::u16string separator = decimalSeparator();
+        if (!startsWith(separator)) {
+            return;
         }
-        return count;
+        const char16_t* start = at_;
+        const std::size_t integerDigits = spelling_.size();
+        std::int64_t fractionPlaces = 0;
+        at_ += separator.size();
+        spelling_ += '.';
+        takeDigits(form, fractionPlaces);
+        if (integerDigits == 0 && fractionPlaces == 0) {
+            at_ = start;
+            spelling_.clear();
+        }
     }
 
     void takeDigits(const Form& form, std::int64_t& places) {
@@ -276,9 +272,7 @@ Unit* writeNumber(std::int32_t value, Unit* buffer, std::int32_t radix) noexcept
 
 } // namespace
 
-std::int32_t QVStrToIW(const char16_t* text) noexcept {
-    return QVStrToLW(text, nullptr, 10);
-}
+std::int32_t QVStrToIW(const char16_t* text) noexcept { return QVStrToLW(text, nullptr, 10); }
 
 std::int32_t QVStrToLW(const char16_t* text, const char16_t** end, std::int32_t radix) noexcept {
     const Prefix prefix(text);

@@ -234,13 +234,9 @@ char16_t* QVStrTokW(char16_t** cursor, const char16_t* delimiters) noexcept {
     return start;
 }
 
-char16_t QVToLowerW(char16_t unit) noexcept {
-    return qv::core::toLower(unit);
-}
+char16_t QVToLowerW(char16_t unit) noexcept { return qv::core::toLower(unit); }
 
-char16_t QVToUpperW(char16_t unit) noexcept {
-    return qv::core::toUpper(unit);
-}
+char16_t QVToUpperW(char16_t unit) noexcept { return qv::core::toUpper(unit); }
 
 void QVStrToLowerW(char16_t* text, std::int32_t length) noexcept {
     const std::int32_t count = length == -1 ? QVStrLenW_32(text) : length;

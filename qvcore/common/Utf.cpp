@@ -45,9 +45,7 @@ Decoded decodeSequence(const Lead& lead, std::string_view text) noexcept {
     return {character, lead.followers + std::size_t{1}};
 }
 
-constexpr char trailing(char32_t bits) noexcept {
-    return static_cast<char>(0x80 | (bits & 0x3F));
-}
+constexpr char trailing(char32_t bits) noexcept { return static_cast<char>(0x80 | (bits & 0x3F)); }
 
 } // namespace
 

@@ -6,11 +6,13 @@
 
 namespace support {
 
-/// An object whose end is watched and whose memory stays, together with what its destructor had to leave
-/// behind: nothing is reported as leaked. One for each type.
-template <class T> class Abandoned {
+/// An object whose end is watched and whose memory stays, together with what its destructor had to
+/// leave behind: nothing is reported as leaked. One for each type.
+template <class T>
+class Abandoned {
 public:
-    template <class... Arguments> explicit Abandoned(Arguments&&... arguments)
+    template <class... Arguments>
+    explicit Abandoned(Arguments&&... arguments)
         : object_(new (storage) T(std::forward<Arguments>(arguments)...)) {}
 
     T* operator->() const { return object_; }

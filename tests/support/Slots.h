@@ -7,9 +7,10 @@
 
 namespace support {
 
-/// The index of a virtual member in its class's operation table. Both systems' compilers store a pointer
-/// to a virtual member as the byte offset of its slot plus one.
-template <class Member> std::ptrdiff_t slotOf(Member member) {
+/// The index of a virtual member in its class's operation table. Both systems' compilers store a
+/// pointer to a virtual member as the byte offset of its slot plus one.
+template <class Member>
+std::ptrdiff_t slotOf(Member member) {
     std::ptrdiff_t word = 0;
     static_assert(sizeof member >= sizeof word);
     std::memcpy(&word, &member, sizeof word);

@@ -20,7 +20,7 @@ namespace qv::io::detail {
 /// A read of at least the buffer's size goes past the buffer while no mark is live. A read that has
 /// units already does not wait for more: it ends where the source reports nothing available.
 template <class Source, class Unit>
-class QV_API BufferedInput : public Source {
+class QV_API_TEMPLATE BufferedInput : public Source {
 public:
     /// Owns: one reference to `in`. The buffer has at least 16 units.
     BufferedInput(Source* in, std::int32_t size);
@@ -81,7 +81,7 @@ private:
     std::int32_t markPos_ = noMark; ///< or markGivenUp
 };
 
-extern template class QV_API_TEMPLATE BufferedInput<InputStream, signed char>;
-extern template class QV_API_TEMPLATE BufferedInput<Reader, char16_t>;
+QV_EXTERN_INSTANCE(BufferedInput<InputStream, signed char>);
+QV_EXTERN_INSTANCE(BufferedInput<Reader, char16_t>);
 
 } // namespace qv::io::detail

@@ -17,7 +17,7 @@ namespace qv::io::detail {
 ///
 /// Kept: neither `close` nor the destructor hands on what is collected; callers `flush` first.
 template <class Sink, class Unit>
-class QV_API BufferedOutput : public Sink {
+class QV_API_TEMPLATE BufferedOutput : public Sink {
 public:
     /// Owns: one reference to `out`. The buffer has at least 16 units.
     BufferedOutput(Sink* out, std::int32_t size);
@@ -45,7 +45,7 @@ private:
     std::int32_t count_ = 0;
 };
 
-extern template class QV_API_TEMPLATE BufferedOutput<OutputStream, signed char>;
-extern template class QV_API_TEMPLATE BufferedOutput<Writer, char16_t>;
+QV_EXTERN_INSTANCE(BufferedOutput<OutputStream, signed char>);
+QV_EXTERN_INSTANCE(BufferedOutput<Writer, char16_t>);
 
 } // namespace qv::io::detail

@@ -16,8 +16,8 @@ public:
     explicit BTCCom(IQVCharCodec* codec);
 
 protected:
-    /// Kept: what the codec returns is not looked at; a codec that fails without writing a code point has
-    /// given U+FFFD.
+    /// Kept: what the codec returns is not looked at; a codec that fails without writing a code
+    /// point has given U+FFFD.
     unsigned int convertBytes(const signed char* bytes, int& length) override;
 
 private:

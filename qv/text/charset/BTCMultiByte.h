@@ -10,11 +10,12 @@ namespace qv::text::charset {
 /// Thread safety: one thread at a time.
 class QV_API BTCMultiByte : public ByteToCharConverter {
 public:
-    /// @throws InvalidCharacterException where the step gives a surrogate; UnmappableCharacterException.
+    /// @throws InvalidCharacterException where the step gives a surrogate;
+    /// UnmappableCharacterException.
     std::int32_t convert(const signed char* src, std::int32_t* srcPos, std::int32_t srcEnd,
                          char16_t* dst, std::int32_t* dstPos, std::int32_t dstEnd) override;
-    /// Writes a trailing surrogate that waits. Kept: the position stays, and the surrogate goes on waiting
-    /// until `reset`.
+    /// Writes a trailing surrogate that waits. Kept: the position stays, and the surrogate goes on
+    /// waiting until `reset`.
     /// @throws InvalidCharacterException where the room is lacking.
     std::int32_t flush(char16_t* dst, std::int32_t* dstPos, std::int32_t dstEnd) override;
     void reset() override;
@@ -25,8 +26,8 @@ public:
 protected:
     BTCMultiByte() = default;
 
-    /// Decodes one character at `bytes`. `length` is the number of bytes that are there, on return those
-    /// consumed; 0 means that more are needed.
+    /// Decodes one character at `bytes`. `length` is the number of bytes that are there, on return
+    /// those consumed; 0 means that more are needed.
     /// @return the code point; U+FFFD, or anything above U+10FFFF, for what has no character.
     virtual unsigned int convertBytes(const signed char* bytes, int& length) = 0;
 

@@ -8,14 +8,14 @@ namespace qv::text::charset {
 
 /// A decoder: turns the bytes of one stream into UTF-16 units, call by call.
 ///
-/// A call of `convert` takes what it can and stops where the input ends inside a character or the output
-/// has no room: that is no failure. The caller looks at the positions, brings the bytes that were not
-/// consumed to the front, makes room and calls again. A decoder keeps no bytes inside itself. `flush`
-/// ends a stream, `reset` readies the object for another.
+/// A call of `convert` takes what it can and stops where the input ends inside a character or the
+/// output has no room: that is no failure. The caller looks at the positions, brings the bytes that
+/// were not consumed to the front, makes room and calls again. A decoder keeps no bytes inside
+/// itself. `flush` ends a stream, `reset` readies the object for another.
 ///
 /// What has no character is replaced by the substitution characters, at first one U+FFFD, or, once
-/// `setSubstitutionMode(false)` was called, reported as UnmappableCharacterException. Where a class has
-/// rules of its own for that, it says so.
+/// `setSubstitutionMode(false)` was called, reported as UnmappableCharacterException. Where a class
+/// has rules of its own for that, it says so.
 ///
 /// Thread safety: one thread at a time.
 class QV_API ByteToCharConverter : public Object {
@@ -25,9 +25,10 @@ public:
 
     // Slot order is contract from here on.
 
-    /// Decodes from `src[*srcPos]` up to but not including `src[srcEnd]` into `dst[*dstPos]` and on, never
-    /// at or behind `dst[dstEnd]`, and writes the new positions back. Room behind the new `*dstPos` may
-    /// have been used as scratch. When an exception leaves, the positions are those of the call.
+    /// Decodes from `src[*srcPos]` up to but not including `src[srcEnd]` into `dst[*dstPos]` and
+    /// on, never at or behind `dst[dstEnd]`, and writes the new positions back. Room behind the new
+    /// `*dstPos` may have been used as scratch. When an exception leaves, the positions are those
+    /// of the call.
     /// @return units written by this call.
     /// @throws InvalidCharacterException, UnmappableCharacterException.
     virtual std::int32_t convert(const signed char* src, std::int32_t* srcPos, std::int32_t srcEnd,
@@ -43,15 +44,16 @@ public:
     virtual int getMaxCharsPerByte() = 0;
     virtual bool getSubstitutionMode();
     virtual void setSubstitutionMode(bool substitute);
-    /// Copies at most `max` substitution characters. @return how many; all there are for a null `buffer`.
+    /// Copies at most `max` substitution characters. @return how many; all there are for a null
+    /// `buffer`.
     virtual int getSubstitutionChars(char16_t* buffer, int max);
     /// Requires: a `count` from 0 to `maxSubstitutionChars`.
     virtual void setSubstitutionChars(const char16_t* chars, int count);
 
     // Slot order ends here.
 
-    /// A new decoder for a name, without regard to case; a null name stands for the default encoding.
-    /// Owns: the caller, the new object with its count at 0.
+    /// A new decoder for a name, without regard to case; a null name stands for the default
+    /// encoding. Owns: the caller, the new object with its count at 0.
     /// @throws UnknownEncodingException with the name.
     static ByteToCharConverter* getConverter(const char16_t* name);
     /// A new decoder for the platform's default encoding; for ASCII where the platform names none.
@@ -68,7 +70,8 @@ protected:
     /// Writes a code point, or what replaces one above 0x10FFFF (see `substitute` for `spare`).
     /// Requires: room for one unit.
     /// @return false where the room is lacking and nothing was written.
-    /// @throws InvalidCharacterException with `surrogateMessage` for a code point that is a surrogate;
+    /// @throws InvalidCharacterException with `surrogateMessage` for a code point that is a
+    /// surrogate;
     ///     UnmappableCharacterException as `substitute`.
     bool writeCodePoint(detail::Decoding& decoding, std::uint32_t codePoint, int spare,
                         const STRUCT_QV_STR_LIT_INFO& surrogateMessage) const;

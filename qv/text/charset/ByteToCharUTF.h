@@ -4,8 +4,8 @@
 
 namespace qv::text::charset {
 
-/// Base of the decoders whose encoding is a sequence of words: UTF-16 and UTF-32 in either byte order.
-/// None of them reads or writes a byte-order mark.
+/// Base of the decoders whose encoding is a sequence of words: UTF-16 and UTF-32 in either byte
+/// order. None of them reads or writes a byte-order mark.
 ///
 /// Thread safety: one thread at a time.
 class QV_API ByteToCharUTF : public ByteToCharConverter {
@@ -28,8 +28,9 @@ protected:
     /// `convert` for UTF-16: as many whole words as there are and fit pass through `convertUTF16`.
     /// Surrogates are not looked at, and nothing can fail.
     /// @return characters moved.
-    std::int32_t sameEncodingConvert(const signed char* src, std::int32_t* srcPos, std::int32_t srcEnd,
-                                     char16_t* dst, std::int32_t* dstPos, std::int32_t dstEnd);
+    std::int32_t sameEncodingConvert(const signed char* src, std::int32_t* srcPos,
+                                     std::int32_t srcEnd, char16_t* dst, std::int32_t* dstPos,
+                                     std::int32_t dstEnd);
 };
 
 } // namespace qv::text::charset

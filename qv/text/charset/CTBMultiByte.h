@@ -6,11 +6,12 @@
 
 namespace qv::text::charset {
 
-/// Base of the encoders that go one character at a time through a virtual step. Keeps a leading surrogate
-/// from one call to the next.
+/// Base of the encoders that go one character at a time through a virtual step. Keeps a leading
+/// surrogate from one call to the next.
 ///
-/// Kept: a surrogate pair that the step has no form for is reported by its second half, as a trailing
-/// surrogate without a leading one; and a pair that meets a full output loses its leading half.
+/// Kept: a surrogate pair that the step has no form for is reported by its second half, as a
+/// trailing surrogate without a leading one; and a pair that meets a full output loses its leading
+/// half.
 ///
 /// Thread safety: one thread at a time.
 class QV_API CTBMultiByte : public CharToByteConverter {

@@ -12,8 +12,8 @@ std::int32_t CTBSingleByte::convert(const char16_t* src, std::int32_t* srcPos, s
     detail::Encoding encoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     bool goesOn = true;
     while (goesOn && encoding.available() > 0) {
-        goesOn = pending_.isSet() ? endPair(encoding)
-                                  : writeByte(encoding, convertChar(*encoding.in));
+        goesOn =
+            pending_.isSet() ? endPair(encoding) : writeByte(encoding, convertChar(*encoding.in));
     }
     return encoding.commit();
 }
@@ -40,10 +40,11 @@ void CTBSingleByte::convertByTable(detail::Encoding& encoding, const int* pages,
             encoding.in + std::min<std::ptrdiff_t>(encoding.available(), detail::unitsBetweenRuns);
         while (goesOn && encoding.in < next) {
             const char16_t unit = *encoding.in;
-            goesOn = pending_.isSet()
-                         ? endPair(encoding)
-                         : writeByte(encoding, static_cast<signed char>(
-                                                   bytes[pages[unit >> 8] + (unit & 0xFF)]));
+            goesOn =
+                pending_.isSet()
+                    ? endPair(encoding)
+                    : writeByte(encoding,
+                                static_cast<signed char>(bytes[pages[unit >> 8] + (unit & 0xFF)]));
         }
     }
 }

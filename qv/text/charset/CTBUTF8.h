@@ -7,10 +7,10 @@ namespace qv::text::charset {
 
 /// Encodes UTF-8. Keeps a leading surrogate from one call to the next.
 ///
-/// Kept: a trailing surrogate alone becomes a three-byte sequence, which the decoder refuses; and a pair
-/// that meets less than four free bytes loses its leading half. A caller that wants pairs to survive gives
-/// `getMaxBytesPerChar` bytes more than it expects to need.
-/// Source: RFC 3629, as far as the above lets it.
+/// Kept: a trailing surrogate alone becomes a three-byte sequence, which the decoder refuses; and a
+/// pair that meets less than four free bytes loses its leading half. A caller that wants pairs to
+/// survive gives `getMaxBytesPerChar` bytes more than it expects to need. Source: RFC 3629, as far
+/// as the above lets it.
 ///
 /// Thread safety: one thread at a time.
 class QV_API CTBUTF8 : public CharToByteConverter {

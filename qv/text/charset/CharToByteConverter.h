@@ -7,14 +7,15 @@ namespace qv::text::charset {
 
 /// An encoder: turns the UTF-16 units of one stream into bytes, call by call.
 ///
-/// A call of `convert` takes what it can and stops where the output has no room: that is no failure. The
-/// caller looks at the positions, empties or grows the output and calls again. A leading surrogate at the
-/// end of the input counts as consumed and waits inside the object for its other half, in the classes
-/// that say so. `flush` ends a stream, `reset` readies the object for another.
+/// A call of `convert` takes what it can and stops where the output has no room: that is no
+/// failure. The caller looks at the positions, empties or grows the output and calls again. A
+/// leading surrogate at the end of the input counts as consumed and waits inside the object for its
+/// other half, in the classes that say so. `flush` ends a stream, `reset` readies the object for
+/// another.
 ///
-/// What has no form in the encoding is replaced by the substitution bytes, at first one "?", or, once
-/// `setSubstitutionMode(false)` was called, reported as UnmappableCharacterException. Where a class has
-/// rules of its own for that, it says so.
+/// What has no form in the encoding is replaced by the substitution bytes, at first one "?", or,
+/// once `setSubstitutionMode(false)` was called, reported as UnmappableCharacterException. Where a
+/// class has rules of its own for that, it says so.
 ///
 /// Thread safety: one thread at a time.
 class QV_API CharToByteConverter : public Object {
@@ -24,9 +25,10 @@ public:
 
     // Slot order is contract from here on.
 
-    /// Encodes from `src[*srcPos]` up to but not including `src[srcEnd]` into `dst[*dstPos]` and on, never
-    /// at or behind `dst[dstEnd]`, and writes the new positions back. Room behind the new `*dstPos` may
-    /// have been used as scratch. When an exception leaves, the positions are those of the call.
+    /// Encodes from `src[*srcPos]` up to but not including `src[srcEnd]` into `dst[*dstPos]` and
+    /// on, never at or behind `dst[dstEnd]`, and writes the new positions back. Room behind the new
+    /// `*dstPos` may have been used as scratch. When an exception leaves, the positions are those
+    /// of the call.
     /// @return bytes written by this call, unless a class says otherwise.
     /// @throws InvalidCharacterException, UnmappableCharacterException.
     virtual std::int32_t convert(const char16_t* src, std::int32_t* srcPos, std::int32_t srcEnd,
@@ -43,15 +45,16 @@ public:
     virtual int getMaxCharsPerByte() = 0;
     virtual bool getSubstitutionMode();
     virtual void setSubstitutionMode(bool substitute);
-    /// Copies at most `max` substitution bytes. @return how many; all there are for a null `buffer`.
+    /// Copies at most `max` substitution bytes. @return how many; all there are for a null
+    /// `buffer`.
     virtual int getSubstitutionBytes(signed char* buffer, int max);
     /// Requires: a `count` from 0 to `maxSubstitutionBytes`.
     virtual void setSubstitutionBytes(const signed char* bytes, int count);
 
     // Slot order ends here.
 
-    /// A new encoder for a name, without regard to case; a null name stands for the default encoding.
-    /// Owns: the caller, the new object with its count at 0.
+    /// A new encoder for a name, without regard to case; a null name stands for the default
+    /// encoding. Owns: the caller, the new object with its count at 0.
     /// @throws UnknownEncodingException with the name.
     static CharToByteConverter* getConverter(const char16_t* name);
     /// A new encoder for the platform's default encoding; for ASCII where the platform names none.

@@ -4,8 +4,8 @@
 
 namespace qv::text::charset {
 
-/// Base of the encoders whose encoding is a sequence of words: UTF-16 and UTF-32 in either byte order.
-/// None of them reads or writes a byte-order mark.
+/// Base of the encoders whose encoding is a sequence of words: UTF-16 and UTF-32 in either byte
+/// order. None of them reads or writes a byte-order mark.
 ///
 /// Thread safety: one thread at a time.
 class QV_API CharToByteUTF : public CharToByteConverter {

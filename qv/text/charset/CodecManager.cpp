@@ -4,6 +4,7 @@
 #include "qv/text/charset/CTBCom.h"
 #include "qv/text/charset/EncodingInfo.h"
 #include "qv/text/charset/detail/UpperName.h"
+#include "qv/util/SingletonImpl.h"
 #include "qvcore/Component.h"
 
 namespace qv::text::charset {
@@ -33,7 +34,10 @@ Reference<IQVCharCodec> findComponent(const char16_t* name) {
     return codec;
 }
 
-template <class Converter> Object* wrapIn(IQVCharCodec* codec) { return new Converter(codec); }
+template <class Converter>
+Object* wrapIn(IQVCharCodec* codec) {
+    return new Converter(codec);
+}
 
 } // namespace
 

@@ -10,8 +10,8 @@ namespace qv::text::charset {
 /// The process-wide registry that turns an encoding's name into a converter.
 ///
 /// A name is sought, without regard to case, among the registered codecs; then, in the caller's own
-/// spelling, among the codec components of the system; then in the encoding information, whose canonical
-/// name is sought in the same way.
+/// spelling, among the codec components of the system; then in the encoding information, whose
+/// canonical name is sought in the same way.
 ///
 /// Thread safety: const-safe. Registration after library start must exclude all other use.
 class QV_API CodecManager {
@@ -34,7 +34,8 @@ public:
                        const char16_t* decoderClass);
 
 private:
-    template <class, sync::LockObject**> friend class util::Singleton;
+    template <class, sync::LockObject**>
+    friend class util::Singleton;
     using Instance = util::Singleton<CodecManager, &g_pGlobalLock>;
     struct Direction;
 

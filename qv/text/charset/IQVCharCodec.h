@@ -5,8 +5,8 @@
 inline constexpr GUID IID_IQVCharCodec{
     0xE9DE4D9A, 0xBF89, 0x4A97, {0xB9, 0x74, 0x1F, 0x50, 0xBC, 0x5A, 0x8C, 0x61}};
 
-/// An encoding that a module outside the library serves, one code point at a time. The library finds it
-/// under the ProgID "Velquor.CharCodec." and the encoding's name.
+/// An encoding that a module outside the library serves, one code point at a time. The library
+/// finds it under the ProgID "Velquor.CharCodec." and the encoding's name.
 ///
 /// Every operation returns 0, or a negative result on failure.
 class IQVCharCodec : public IQVUnknown {

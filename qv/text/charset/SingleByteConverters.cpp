@@ -11,14 +11,16 @@ namespace qv::text::charset {
 
 namespace {
 
-/// True where the dynamic type is exactly one of `Leaves`: then no derived class can have overridden the
-/// step, and a table may stand for it.
-template <class... Leaves, class Base> bool isExactly(const Base& converter) noexcept {
+/// True where the dynamic type is exactly one of `Leaves`: then no derived class can have
+/// overridden the step, and a table may stand for it.
+template <class... Leaves, class Base>
+bool isExactly(const Base& converter) noexcept {
     const std::type_info& type = typeid(converter);
     return ((&type == &typeid(Leaves)) || ...);
 }
 
-template <class Conversion> void takeNoRun(Conversion&) noexcept {}
+template <class Conversion>
+void takeNoRun(Conversion&) noexcept {}
 
 constexpr int bytesPerVector = 16;
 
@@ -98,8 +100,8 @@ std::int32_t CTBISO8859_1::convert(const char16_t* src, std::int32_t* srcPos, st
         return CTBSingleByte::convert(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     }
     detail::Encoding encoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
-    convertByTable(encoding, detail::latin1Inverse.pages.data(),
-                   detail::latin1Inverse.bytes.data(), &detail::narrowUnits<0xFF>);
+    convertByTable(encoding, detail::latin1Inverse.pages.data(), detail::latin1Inverse.bytes.data(),
+                   &detail::narrowUnits<0xFF>);
     return encoding.commit();
 }
 

@@ -73,8 +73,8 @@ private:
     const char16_t* table_;
 };
 
-/// Encodes by a table of two levels: the byte of a character c stands at bytes[pages[c >> 8] + (c & 255)],
-/// 0 for none.
+/// Encodes by a table of two levels: the byte of a character c stands at bytes[pages[c >> 8] + (c &
+/// 255)], 0 for none.
 class QV_API CTBSingleByteTable : public CTBSingleByte {
 public:
     /// Borrows: all three, as long as the converter lives. `pages` has 256 entries.

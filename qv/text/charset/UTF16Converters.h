@@ -3,8 +3,8 @@
 #include "qv/text/charset/ByteToCharUTF.h"
 #include "qv/text/charset/CharToByteUTF.h"
 
-/// UTF-16 in either byte order. Units pass through as they are, unpaired surrogates and U+FEFF included;
-/// a last odd byte stays unconsumed; nothing can fail.
+/// UTF-16 in either byte order. Units pass through as they are, unpaired surrogates and U+FEFF
+/// included; a last odd byte stays unconsumed; nothing can fail.
 ///
 /// Thread safety: one thread at a time, all of them.
 namespace qv::text::charset {

@@ -27,7 +27,8 @@ struct SwappedOrder {
     }
 };
 
-/// The bits of units in the ranges that need a decision: those that begin with `pattern` under `mask`.
+/// The bits of units in the ranges that need a decision: those that begin with `pattern` under
+/// `mask`.
 int matching(__m128i units, int mask, int pattern) noexcept {
     const __m128i masked = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(mask)));
     return _mm_movemask_epi8(_mm_cmpeq_epi16(masked, _mm_set1_epi16(static_cast<short>(pattern))));
@@ -40,7 +41,8 @@ __m128i lowHalves(__m128i first, __m128i second) noexcept {
 }
 
 /// Moves runs of words that are one unit each.
-template <class Order> void decodeRuns(detail::Decoding& decoding, Order order) noexcept {
+template <class Order>
+void decodeRuns(detail::Decoding& decoding, Order order) noexcept {
     const __m128i zero = _mm_setzero_si128();
     while (decoding.available() >= wordsPerRun * wordSize && decoding.room() >= wordsPerRun) {
         const __m128i first = order(detail::loadVector(decoding.in));
@@ -58,7 +60,8 @@ template <class Order> void decodeRuns(detail::Decoding& decoding, Order order) 
 }
 
 /// Moves runs of units that are one word each: all but leading surrogates.
-template <class Order> void encodeRuns(detail::Encoding& encoding, Order order) noexcept {
+template <class Order>
+void encodeRuns(detail::Encoding& encoding, Order order) noexcept {
     const __m128i zero = _mm_setzero_si128();
     while (encoding.available() >= wordsPerRun && encoding.room() >= wordsPerRun * wordSize) {
         const __m128i units = detail::loadVector(encoding.in);
@@ -77,7 +80,8 @@ constexpr bool isBuiltIn = std::is_same_v<Order, HostOrder> || std::is_same_v<Or
 
 } // namespace
 
-template <class Order> void BTCUTF32::convertWords(detail::Decoding& decoding, Order order) const {
+template <class Order>
+void BTCUTF32::convertWords(detail::Decoding& decoding, Order order) const {
     while (decoding.available() > 0) {
         if constexpr (isBuiltIn<Order>) {
             decodeRuns(decoding, order);
@@ -118,7 +122,8 @@ const char16_t* BTCUTF32BE::getEncodingName() { return u"UTF-32BE"; }
 unsigned short BTCUTF32BE::convertUTF16(unsigned short word) { return detail::swapBytes(word); }
 unsigned int BTCUTF32BE::convertUTF32(unsigned int word) { return detail::swapBytes(word); }
 
-template <class Order> void CTBUTF32::convertUnits(detail::Encoding& encoding, Order order) {
+template <class Order>
+void CTBUTF32::convertUnits(detail::Encoding& encoding, Order order) {
     while (encoding.available() > 0 && encoding.room() >= wordSize) {
         if constexpr (isBuiltIn<Order>) {
             if (!pending_.isSet()) {

@@ -11,8 +11,8 @@ namespace qv::text::charset {
 
 /// Decodes UTF-32. Words above 0x10FFFF follow the substitution settings.
 ///
-/// Requires: whole words. Kept: a fragment of one to three bytes at the end is read as a whole word, past
-/// the end given, and `*srcPos` then comes to lie behind it.
+/// Requires: whole words. Kept: a fragment of one to three bytes at the end is read as a whole
+/// word, past the end given, and `*srcPos` then comes to lie behind it.
 class QV_API BTCUTF32 : public ByteToCharUTF {
 public:
     /// @throws InvalidCharacterException for a surrogate; UnmappableCharacterException.
@@ -20,7 +20,8 @@ public:
                          char16_t* dst, std::int32_t* dstPos, std::int32_t dstEnd) override;
 
 private:
-    template <class Order> void convertWords(detail::Decoding& decoding, Order order) const;
+    template <class Order>
+    void convertWords(detail::Decoding& decoding, Order order) const;
 };
 
 /// Decodes UTF-32 in little-endian order.
@@ -48,7 +49,8 @@ protected:
 /// Kept: a trailing surrogate alone becomes a word of its own, which the decoder refuses.
 class QV_API CTBUTF32 : public CharToByteUTF {
 public:
-    /// @throws InvalidCharacterException for a leading surrogate without a trailing one, which goes on
+    /// @throws InvalidCharacterException for a leading surrogate without a trailing one, which goes
+    /// on
     ///     waiting.
     std::int32_t convert(const char16_t* src, std::int32_t* srcPos, std::int32_t srcEnd,
                          signed char* dst, std::int32_t* dstPos, std::int32_t dstEnd) override;
@@ -57,7 +59,8 @@ public:
     void reset() override;
 
 private:
-    template <class Order> void convertUnits(detail::Encoding& encoding, Order order);
+    template <class Order>
+    void convertUnits(detail::Encoding& encoding, Order order);
 
     detail::PendingLead pending_;
 };

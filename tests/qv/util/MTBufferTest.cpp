@@ -14,7 +14,8 @@ namespace {
 
 using namespace qv;
 
-template <class Unit> class MTBufferTest : public testing::Test {
+template <class Unit>
+class MTBufferTest : public testing::Test {
 protected:
     using Buffer = util::MTBuffer<Unit>;
 
@@ -26,7 +27,8 @@ protected:
     const std::vector<Unit> expected_{Unit{1}, Unit{2}, Unit{3}};
 };
 
-template <class Unit> class MTBufferThreadsTest : public MTBufferTest<Unit> {};
+template <class Unit>
+class MTBufferThreadsTest : public MTBufferTest<Unit> {};
 
 using Units = testing::Types<signed char, char16_t>;
 TYPED_TEST_SUITE(MTBufferTest, Units);
@@ -60,14 +62,14 @@ TYPED_TEST(MTBufferTest, AWriterSetsTheLength) {
     std::copy_n(this->units_, 3, data);
     buffer.releaseWriteLock(3);
     EXPECT_EQ(this->contents(buffer), this->expected_);
-    static_cast<void>(buffer.getWriteLock(3));
+    buffer.getWriteLock(3);
     buffer.releaseWriteLock(-1);
     EXPECT_EQ(buffer.getLength(), 3);
 }
 
 TYPED_TEST(MTBufferTest, ACopyHasALockOfItsOwn) {
     util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
-    static_cast<void>(buffer.getWriteLock(3));
+    buffer.getWriteLock(3);
     util::MTBuffer<TypeParam> copy(buffer);
     EXPECT_EQ(copy.getReadLock()[2], TypeParam{3});
     copy.releaseReadLock();
@@ -80,8 +82,8 @@ TYPED_TEST(MTBufferTest, AssignmentTakesNoLockOfEitherSide) {
     target = source;
     EXPECT_EQ(this->contents(target), this->expected_);
 
-    static_cast<void>(source.getWriteLock(3));
-    static_cast<void>(target.getReadLock());
+    source.getWriteLock(3);
+    target.getReadLock();
     target = source;
     EXPECT_EQ(this->contents(target), this->expected_);
     target.releaseReadLock();
@@ -97,7 +99,7 @@ TYPED_TEST(MTBufferTest, AssignmentToItselfChangesNothing) {
 
 TYPED_TEST(MTBufferTest, AWriterMayGrowTheBufferUnderItsLock) {
     util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
-    static_cast<void>(buffer.getWriteLock(3));
+    buffer.getWriteLock(3);
     TypeParam* const grown = buffer.ensureCapacity(1000);
     grown[999] = TypeParam{9};
     EXPECT_EQ(grown[2], TypeParam{3});
@@ -109,7 +111,7 @@ TYPED_TEST(MTBufferTest, FreeExtraCutsTheRoomAndGivesTheLockBack) {
     util::MTBuffer<TypeParam> buffer(1000);
     buffer.freeExtra();
     EXPECT_EQ(buffer.getData(), nullptr);
-    static_cast<void>(buffer.getWriteLock(1));
+    buffer.getWriteLock(1);
     buffer.releaseWriteLock(0);
 }
 
@@ -140,8 +142,7 @@ TYPED_TEST(MTBufferTest, AnswersOnTheComponentFace) {
 
 TYPED_TEST(MTBufferThreadsTest, AWriteLockWithoutMemoryStaysHeld) {
     util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
-    EXPECT_THROW(static_cast<void>(buffer.getWriteLock(std::numeric_limits<int>::max())),
-                 std::bad_alloc);
+    EXPECT_THROW(buffer.getWriteLock(std::numeric_limits<int>::max()), std::bad_alloc);
     std::atomic<bool> isRead = false;
     std::thread reader([&] {
         const util::BufferReadLock<TypeParam> lock(buffer);
@@ -160,9 +161,9 @@ TYPED_TEST(MTBufferThreadsTest, ReadersHoldTheirLocksTogetherAndAWriterWaitsForB
     std::shared_future<void> ending = mayEnd.get_future().share();
     std::atomic<bool> isWritten = false;
 
-    static_cast<void>(buffer.getReadLock());
+    buffer.getReadLock();
     std::thread otherReader([&] {
-        static_cast<void>(buffer.getReadLock());
+        buffer.getReadLock();
         bothRead.set_value();
         ending.wait();
         EXPECT_FALSE(isWritten);
@@ -170,7 +171,7 @@ TYPED_TEST(MTBufferThreadsTest, ReadersHoldTheirLocksTogetherAndAWriterWaitsForB
     });
     bothRead.get_future().wait();
     std::thread writer([&] {
-        static_cast<void>(buffer.getWriteLock(3));
+        buffer.getWriteLock(3);
         isWritten = true;
         buffer.releaseWriteLock(0);
     });
@@ -196,7 +197,7 @@ TYPED_TEST(MTBufferThreadsTest, TheUnlockedOperationsDoNotWaitForAWriter) {
 
 TYPED_TEST(MTBufferThreadsTest, ACopyDoesNotWaitForAWriter) {
     util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
-    static_cast<void>(buffer.getWriteLock(3));
+    buffer.getWriteLock(3);
     std::thread([&] {
         const util::MTBuffer<TypeParam> copy(buffer);
         EXPECT_EQ(this->contents(copy), this->expected_);
@@ -208,7 +209,7 @@ TYPED_TEST(MTBufferThreadsTest, WritersTakeTurns) {
     util::MTBuffer<TypeParam> buffer;
     const auto appendMany = [&] {
         for (int i = 0; i < 200; ++i) {
-            static_cast<void>(buffer.getWriteLock(0));
+            buffer.getWriteLock(0);
             const int length = buffer.getLength();
             buffer.ensureCapacity(length + 1)[length] = TypeParam{1};
             buffer.releaseWriteLock(length + 1);

@@ -5,9 +5,10 @@
 
 namespace qv::text::charset::detail {
 
-/// The two ranges of one call of `convert`, as pointers that move. The caller's positions stay as they
-/// are until `commit`, so that they keep their values when an exception leaves.
-template <class In, class Out> class Conversion {
+/// The two ranges of one call of `convert`, as pointers that move. The caller's positions stay as
+/// they are until `commit`, so that they keep their values when an exception leaves.
+template <class In, class Out>
+class Conversion {
 public:
     Conversion(const In* src, std::int32_t* srcPos, std::int32_t srcEnd, Out* dst,
                std::int32_t* dstPos, std::int32_t dstEnd) noexcept

@@ -25,7 +25,8 @@ public:
     static const EncodingNames* current() noexcept;
 
     std::span<const QVEncInfo> rows() const noexcept { return rows_; }
-    /// The row of a name, an alias or a code page in decimal, without regard to case; null for none.
+    /// The row of a name, an alias or a code page in decimal, without regard to case; null for
+    /// none.
     /// @throws std::bad_alloc.
     const QVEncInfo* find(const char16_t* name) const;
     const QVEncInfo* find(std::uint32_t codePage) const noexcept;

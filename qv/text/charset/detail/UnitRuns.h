@@ -8,8 +8,8 @@
 
 /// Bulk loops over runs of units that need no decision, sixteen at a time.
 ///
-/// Each converts the longest run at the start of the two ranges of a conversion that it can, moves the
-/// conversion's pointers behind it, and touches nothing outside the ranges.
+/// Each converts the longest run at the start of the two ranges of a conversion that it can, moves
+/// the conversion's pointers behind it, and touches nothing outside the ranges.
 namespace qv::text::charset::detail {
 
 /// Bytes or units that are converted one by one before the next run is looked for.
@@ -48,7 +48,8 @@ inline void widenAscii(Decoding& run) noexcept {
 }
 
 /// Narrows units up to `limit`, which is 0x7F or 0xFF.
-template <int limit> void narrowUnits(Encoding& run) noexcept {
+template <int limit>
+void narrowUnits(Encoding& run) noexcept {
     static_assert(limit == 0x7F || limit == 0xFF);
     std::ptrdiff_t count = std::min(run.available(), run.room());
     const __m128i above = _mm_set1_epi16(static_cast<short>(~limit));

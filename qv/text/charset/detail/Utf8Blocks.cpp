@@ -36,14 +36,14 @@ using ShuffleTable = std::array<Shuffle, 256>;
 
 // --- Decoding ---
 //
-// Sixteen bytes at a time, and for every byte the unit that it would end, made from it and the two bytes
-// in front of it; the units of the bytes that do end a character are then moved together. What a byte
-// ends is told by lead bytes alone, so that no window needs to know the one behind it.
+// Sixteen bytes at a time, and for every byte the unit that it would end, made from it and the two
+// bytes in front of it; the units of the bytes that do end a character are then moved together.
+// What a byte ends is told by lead bytes alone, so that no window needs to know the one behind it.
 //
-// Source for the check: J. Keiser, D. Lemire, "Validating UTF-8 In Less Than One Instruction Per Byte",
-// Software: Practice and Experience 51 (2021), with other error classes.
-// Source for the shuffles by table: D. Lemire, W. Mula, "Transcoding Billions of Unicode Characters per
-// Second with SIMD Instructions", Software: Practice and Experience 52 (2022).
+// Source for the check: J. Keiser, D. Lemire, "Validating UTF-8 In Less Than One Instruction Per
+// Byte", Software: Practice and Experience 51 (2021), with other error classes. Source for the
+// shuffles by table: D. Lemire, W. Mula, "Transcoding Billions of Unicode Characters per Second
+// with SIMD Instructions", Software: Practice and Experience 52 (2022).
 
 /// What is wrong, or not for a kernel, about a byte and the one behind it.
 enum PairError : unsigned char {
@@ -56,25 +56,64 @@ enum PairError : unsigned char {
 };
 
 alignas(vectorBytes) constexpr unsigned char errorsByFirstHigh[16] = {
-    tooLong, tooLong, tooLong, tooLong, tooLong, tooLong, tooLong, tooLong,
-    twoMore, twoMore, twoMore, twoMore,
-    tooShort | notALead, tooShort, tooShort | surrogate, tooShort | fourBytes,
+    tooLong,
+    tooLong,
+    tooLong,
+    tooLong,
+    tooLong,
+    tooLong,
+    tooLong,
+    tooLong,
+    twoMore,
+    twoMore,
+    twoMore,
+    twoMore,
+    tooShort | notALead,
+    tooShort,
+    tooShort | surrogate,
+    tooShort | fourBytes,
 };
 
 constexpr unsigned char byAnyLow = tooShort | tooLong | fourBytes | twoMore;
 
 alignas(vectorBytes) constexpr unsigned char errorsByFirstLow[16] = {
-    byAnyLow | notALead, byAnyLow | notALead,  byAnyLow, byAnyLow, byAnyLow, byAnyLow,
-    byAnyLow,            byAnyLow,             byAnyLow, byAnyLow, byAnyLow, byAnyLow,
-    byAnyLow,            byAnyLow | surrogate, byAnyLow, byAnyLow,
+    byAnyLow | notALead,
+    byAnyLow | notALead,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow,
+    byAnyLow | surrogate,
+    byAnyLow,
+    byAnyLow,
 };
 
 constexpr unsigned char byContinuation = tooLong | notALead | fourBytes | twoMore;
 
 alignas(vectorBytes) constexpr unsigned char errorsBySecondHigh[16] = {
-    tooShort, tooShort, tooShort, tooShort, tooShort, tooShort, tooShort, tooShort,
-    byContinuation, byContinuation, byContinuation | surrogate, byContinuation | surrogate,
-    tooShort, tooShort, tooShort, tooShort,
+    tooShort,
+    tooShort,
+    tooShort,
+    tooShort,
+    tooShort,
+    tooShort,
+    tooShort,
+    tooShort,
+    byContinuation,
+    byContinuation,
+    byContinuation | surrogate,
+    byContinuation | surrogate,
+    tooShort,
+    tooShort,
+    tooShort,
+    tooShort,
 };
 
 /// Moves the words whose bits are set to the front.
@@ -193,8 +232,8 @@ QV_TARGET_SSE42 void decodeSse42(Decoding& decoding) noexcept {
 
 // --- Encoding ---
 //
-// Every unit is spread over a place for its longest form, and the bytes that it does have are then moved
-// together. Source: D. Lemire, W. Mula, as above.
+// Every unit is spread over a place for its longest form, and the bytes that it does have are then
+// moved together. Source: D. Lemire, W. Mula, as above.
 
 /// Eight units in two bytes each; a set bit means that the unit has only the first.
 constexpr ShuffleTable makePairPacks() {
@@ -214,8 +253,8 @@ constexpr ShuffleTable makePairPacks() {
 
 constexpr ShuffleTable pairPacks = makePairPacks();
 
-/// Four units in four bytes each: lead of three, middle or lead of two, last, none. The low four bits tell
-/// which units have one byte, the high four which have one or two.
+/// Four units in four bytes each: lead of three, middle or lead of two, last, none. The low four
+/// bits tell which units have one byte, the high four which have one or two.
 constexpr ShuffleTable makeTriplePacks() {
     ShuffleTable table{};
     for (unsigned mask = 0; mask < table.size(); ++mask) {
@@ -251,19 +290,21 @@ QV_TARGET_SSE42 inline signed char* writePairs(signed char* out, __m128i units) 
     const __m128i pairs = _mm_or_si128(_mm_or_si128(lead, last), splat16(0x80C0));
     const int ones = _mm_movemask_epi8(_mm_packs_epi16(isOne, _mm_setzero_si128()));
     const __m128i bytes = _mm_blendv_epi8(pairs, units, isOne);
-    storeVector(out, _mm_shuffle_epi8(bytes, loadRow(pairPacks[static_cast<unsigned>(ones)].bytes)));
+    storeVector(out,
+                _mm_shuffle_epi8(bytes, loadRow(pairPacks[static_cast<unsigned>(ones)].bytes)));
     return out + 16 - _mm_popcnt_u32(static_cast<unsigned>(ones));
 }
 
-/// Writes four units in four bytes each (see `triplePacks`). @return the end of what was written; sixteen
-/// bytes are scratch.
+/// Writes four units in four bytes each (see `triplePacks`). @return the end of what was written;
+/// sixteen bytes are scratch.
 QV_TARGET_SSE42 inline signed char* packTriples(signed char* out, __m128i bytes,
                                                 unsigned mask) noexcept {
     storeVector(out, _mm_shuffle_epi8(bytes, loadRow(triplePacks[mask].bytes)));
     return out + 12 - _mm_popcnt_u32(mask);
 }
 
-/// Writes eight units that are no surrogates. @return the end of what was written; 28 bytes are scratch.
+/// Writes eight units that are no surrogates. @return the end of what was written; 28 bytes are
+/// scratch.
 QV_TARGET_SSE42 inline signed char* writeTriples(signed char* out, __m128i units) noexcept {
     const __m128i isOne = lacksAll(units, 0xFF80);
     const __m128i isOneOrTwo = lacksAll(units, 0xF800);
@@ -272,21 +313,18 @@ QV_TARGET_SSE42 inline signed char* writeTriples(signed char* out, __m128i units
         _mm_or_si128(splat16(0x80), _mm_and_si128(isOneOrTwo, splat16(0x40)));
     const __m128i middle =
         _mm_or_si128(_mm_and_si128(_mm_srli_epi16(units, 6), splat16(0x3F)), middleMark);
-    const __m128i tail =
-        _mm_or_si128(_mm_and_si128(units, splat16(0x3F)), splat16(0x80));
+    const __m128i tail = _mm_or_si128(_mm_and_si128(units, splat16(0x3F)), splat16(0x80));
     const __m128i last = _mm_blendv_epi8(tail, units, isOne);
     const __m128i firstTwo = _mm_or_si128(lead, _mm_slli_epi16(middle, 8));
-    const auto masks =
-        static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isOne, isOneOrTwo)));
-    out = packTriples(out, _mm_unpacklo_epi16(firstTwo, last),
-                      (masks & 0x0F) | (masks >> 4 & 0xF0));
+    const auto masks = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isOne, isOneOrTwo)));
+    out =
+        packTriples(out, _mm_unpacklo_epi16(firstTwo, last), (masks & 0x0F) | (masks >> 4 & 0xF0));
     return packTriples(out, _mm_unpackhi_epi16(firstTwo, last),
                        (masks >> 4 & 0x0F) | (masks >> 8 & 0xF0));
 }
 
 QV_TARGET_SSE42 inline bool hasSurrogates(__m128i units) noexcept {
-    const __m128i found =
-        _mm_cmpeq_epi16(_mm_and_si128(units, splat16(0xF800)), splat16(0xD800));
+    const __m128i found = _mm_cmpeq_epi16(_mm_and_si128(units, splat16(0xF800)), splat16(0xD800));
     return !_mm_testz_si128(found, found);
 }
 

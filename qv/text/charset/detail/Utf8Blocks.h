@@ -13,11 +13,11 @@ inline constexpr int utf8BlockUnits = 16;
 
 /// The vector kernels of UTF-8 for one kind of processor.
 ///
-/// A kernel converts blocks as long as the input is of the plainest sort, and moves the conversion's
-/// pointers behind what it converted, always between two characters. It stops at anything that needs a
-/// decision: a bad byte, a surrogate on either side, a character beyond U+FFFF, less room than the largest
-/// result of a block. It reads and writes nothing outside the two ranges, but uses the room behind what it
-/// wrote as scratch.
+/// A kernel converts blocks as long as the input is of the plainest sort, and moves the
+/// conversion's pointers behind what it converted, always between two characters. It stops at
+/// anything that needs a decision: a bad byte, a surrogate on either side, a character beyond
+/// U+FFFF, less room than the largest result of a block. It reads and writes nothing outside the
+/// two ranges, but uses the room behind what it wrote as scratch.
 struct Utf8Blocks {
     void (*decode)(Decoding& decoding) noexcept;
     void (*encode)(Encoding& encoding) noexcept;

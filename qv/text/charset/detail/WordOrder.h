@@ -17,20 +17,22 @@ enum class WordOrder {
     custom   ///< only the converter's own virtual step knows
 };
 
-/// The order of a converter whose dynamic type is one of the library's leaves: its words need no virtual
-/// step. A class derived from a leaf may have overridden that step, so its order is custom.
+/// The order of a converter whose dynamic type is one of the library's leaves: its words need no
+/// virtual step. A class derived from a leaf may have overridden that step, so its order is custom.
 WordOrder wordOrderOf(const ByteToCharUTF& decoder) noexcept;
 WordOrder wordOrderOf(const CharToByteUTF& encoder) noexcept;
 
 inline unsigned short swapBytes(unsigned short word) noexcept { return __builtin_bswap16(word); }
 inline unsigned int swapBytes(unsigned int word) noexcept { return __builtin_bswap32(word); }
 
-template <class Word> Word loadWord(const void* from) noexcept {
+template <class Word>
+Word loadWord(const void* from) noexcept {
     Word word;
     std::memcpy(&word, from, sizeof word);
     return word;
 }
-template <class Word> void storeWord(void* to, Word word) noexcept {
+template <class Word>
+void storeWord(void* to, Word word) noexcept {
     std::memcpy(to, &word, sizeof word);
 }
 

@@ -1,0 +1,192 @@
+#include "qv/Str1HashMap.h"
+
+#include "tests/support/CountedObject.h"
+#include "tests/support/Printing.h"
+
+#include <gtest/gtest.h>
+
+using namespace qv;
+
+namespace {
+
+using Map = Str1HashMap<Str1>;
+
+Str1 key(int number) {
+    return Str1Copy(String(u"key").append(String::valueOf(number)));
+}
+
+template <class V> std::vector<std::u16string> keys(const Str1HashMap<V>& map) {
+    std::vector<std::u16string> result;
+    typename Str1HashMap<V>::KeyValueIterator iterator;
+    map.iteratorInit(iterator);
+    while (map.iteratorHasNext(iterator)) {
+        const Str1* found = nullptr;
+        const V* value = nullptr;
+        map.iteratorNext(iterator, &found, &value);
+        result.push_back(support::units(*found));
+    }
+    return result;
+}
+
+TEST(Str1HashMapTest, KeepsWhatIsPut) {
+    Map map;
+    EXPECT_TRUE(map.isEmpty());
+    map.put(Str1Copy(u"a"), Str1Copy(u"1"));
+    map.put(Str1Copy(u"b"), Str1Copy(u"2"));
+    EXPECT_EQ(map.getSize(), 2);
+    Str1 value;
+    EXPECT_TRUE(map.get(Str1Copy(u"a"), value));
+    EXPECT_EQ(value, u"1");
+    EXPECT_TRUE(map.containsKey(Str1Copy(u"b")));
+    EXPECT_FALSE(map.containsKey(Str1Copy(u"B")));
+    EXPECT_FALSE(map.get(Str1Copy(u"c"), value));
+    EXPECT_EQ(value, u"1") << "untouched";
+}
+
+TEST(Str1HashMapTest, EmptyKeyIsAKey) {
+    Map map;
+    map.put(Str1(), Str1Copy(u"empty"));
+    Str1 value;
+    EXPECT_TRUE(map.get(Str1(), value));
+    EXPECT_EQ(value, u"empty");
+}
+
+TEST(Str1HashMapTest, PutOnAKnownKeyChangesTheValueOnly) {
+    Map map;
+    map.put(Str1Copy(u"a"), Str1Copy(u"1"));
+    const int changes = map.getChangeCount();
+    Str1 old;
+    map.put(Str1Copy(u"a"), Str1Copy(u"2"), &old);
+    EXPECT_EQ(old, u"1");
+    EXPECT_EQ(map.getSize(), 1);
+    EXPECT_EQ(map.getChangeCount(), changes);
+    map.put(Str1Copy(u"b"), Str1(), &old);
+    EXPECT_EQ(old, u"1") << "a new key has no old value";
+    EXPECT_EQ(map.getChangeCount(), changes + 1);
+}
+
+TEST(Str1HashMapTest, RemoveUnlinksAndGivesTheValue) {
+    Map map(1, 100.0f); // one chain
+    for (int i = 0; i < 5; ++i) {
+        map.put(key(i), Str1Copy(String::valueOf(i)));
+    }
+    Str1 old;
+    map.remove(key(2), &old);
+    EXPECT_EQ(old, u"2");
+    EXPECT_EQ(map.getSize(), 4);
+    EXPECT_FALSE(map.containsKey(key(2)));
+    map.remove(key(4));
+    map.remove(key(0));
+    map.remove(key(99), &old);
+    EXPECT_EQ(old, u"2");
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"key3", u"key1"}));
+}
+
+TEST(Str1HashMapTest, GrowsWhenANewKeyMeetsTheThreshold) {
+    Map map;
+    EXPECT_EQ(Map::DEFAULT_CAPACITY, 101);
+    EXPECT_EQ(Map::DEFAULT_LOAD, 0.75f);
+    for (int i = 0; i < 75; ++i) {
+        map.put(key(i), Str1());
+    }
+    EXPECT_EQ(map.getCapacity(), 101);
+    map.put(key(0), Str1());
+    EXPECT_EQ(map.getCapacity(), 101) << "a known key does not grow it";
+    map.put(key(75), Str1());
+    EXPECT_EQ(map.getCapacity(), 203);
+    EXPECT_EQ(map.getSize(), 76);
+    for (int i = 0; i < 76; ++i) {
+        EXPECT_TRUE(map.containsKey(key(i)));
+    }
+}
+
+TEST(Str1HashMapTest, OrderIsBucketsFirstToLastAndChainsFromTheNewest) {
+    Map map(2, 100.0f);
+    // One-unit keys hash to their unit: even ones stand in bucket 0, odd ones in bucket 1.
+    for (const char16_t* text : {u"a", u"b", u"c", u"d"}) {
+        map.put(Str1Copy(text), Str1());
+    }
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"d", u"b", u"c", u"a"}));
+}
+
+TEST(Str1HashMapTest, GrowthReversesChainsFromTheLastBucket) {
+    Map map(1, 2.0f);
+    for (const char16_t* text : {u"a", u"d"}) { // both leave the same remainder by 3
+        map.put(Str1Copy(text), Str1());
+    }
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"d", u"a"}));
+    map.put(Str1Copy(u"b"), Str1()); // 97 and 100 leave 1, 98 leaves 2
+    EXPECT_EQ(map.getCapacity(), 3);
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"a", u"d", u"b"}));
+}
+
+TEST(Str1HashMapTest, ClearKeepsTheCapacity) {
+    Map map;
+    for (int i = 0; i < 200; ++i) {
+        map.put(key(i), Str1());
+    }
+    const int capacity = map.getCapacity();
+    map.clear();
+    EXPECT_EQ(map.getSize(), 0);
+    EXPECT_EQ(map.getCapacity(), capacity);
+    EXPECT_TRUE(keys(map).empty());
+    map.put(key(1), Str1());
+    EXPECT_EQ(map.getSize(), 1);
+}
+
+TEST(Str1HashMapTest, LongChainEndsWithoutRecursion) {
+    Str1HashMap<void*> map(1, 1e9f);
+    for (int i = 0; i < 3000; ++i) {
+        map.put(key(i), nullptr);
+    }
+    EXPECT_EQ(map.getSize(), 3000);
+}
+
+TEST(Str1HashMapTest, ValuesAreHeldAndReleased) {
+    int alive = 0;
+    {
+        Str1HashMap<CopyReference<ComObject>> map;
+        map.put(Str1Copy(u"a"), new support::CountedObject(alive));
+        map.put(Str1Copy(u"b"), new support::CountedObject(alive));
+        CopyReference<ComObject> value;
+        EXPECT_TRUE(map.get(Str1Copy(u"a"), value));
+        EXPECT_EQ(value->GetRefCount(), 2u);
+        map.remove(Str1Copy(u"a"));
+        EXPECT_EQ(value->GetRefCount(), 1u);
+        map.put(Str1Copy(u"b"), nullptr);
+        EXPECT_EQ(alive, 1);
+    }
+    EXPECT_EQ(alive, 0);
+}
+
+TEST(Str1HashMapTest, KeyInsideAnotherObjectIsCopied) {
+    Map map;
+    {
+        Str1Fixed<128> text(u"short lived");
+        map.put(text, Str1());
+    }
+    EXPECT_TRUE(map.containsKey(Str1Copy(u"short lived")));
+}
+
+TEST(Str1HashMapTest, KeyOfTheCallersIsNotChangedByLaterWrites) {
+    Map map;
+    Str1 text = Str1Copy(u"key");
+    map.put(text, Str1());
+    text.append(u"!");
+    EXPECT_TRUE(map.containsKey(Str1Copy(u"key")));
+}
+
+TEST(Str1HashMapLCTest, KeysAreKnownInLowerCase) {
+    Str1HashMapLC<Str1> map;
+    map.put(Str1Copy(u"HeLLo"), Str1Copy(u"1"));
+    Str1 value;
+    EXPECT_TRUE(map.get(Str1Copy(u"hEllO"), value));
+    EXPECT_EQ(value, u"1");
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"hello"}));
+    map.put(Str1Copy(u"HELLO"), Str1Copy(u"2"));
+    EXPECT_EQ(map.getSize(), 1);
+    map.remove(Str1Copy(u"Hello"));
+    EXPECT_TRUE(map.isEmpty());
+}
+
+} // namespace

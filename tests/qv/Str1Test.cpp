@@ -1,0 +1,513 @@
+#include "qv/Str1.h"
+
+#include "qv/Exceptions.h"
+#include "qv/Results.h"
+#include "tests/support/Printing.h"
+#include "tests/support/Throws.h"
+
+#include <gtest/gtest.h>
+
+using namespace qv;
+using support::units;
+
+namespace {
+
+const signed char* bytesOf(const char* text) { return reinterpret_cast<const signed char*>(text); }
+
+bool shares(const Str1& left, const Str1& right) { return left.getData1() == right.getData1(); }
+
+// --- The store ---
+
+TEST(StrBuf1Test, CapacityIsNormalisedToSixteen) {
+    EXPECT_EQ(StrBuf1::normalizeCapacity(0), 0u);
+    EXPECT_EQ(StrBuf1::normalizeCapacity(1), 16u);
+    EXPECT_EQ(StrBuf1::normalizeCapacity(16), 16u);
+    EXPECT_EQ(StrBuf1::normalizeCapacity(17), 32u);
+}
+
+TEST(StrBuf1Test, HeapStoreLivesFromReferenceToReference) {
+    StrBuf1* const store = StrBuf1::newStrBuf1Cap(10);
+    EXPECT_EQ(store->getRefCount(), 0u);
+    EXPECT_EQ(store->getBufCapacity(), 16u);
+    store->AddRef();
+    EXPECT_EQ(store->isPrivatelyHeld(0), 16u);
+    store->AddRef();
+    EXPECT_EQ(store->isPrivatelyHeld(0), 0u);
+    store->Release();
+    store->getData()[15] = u'x';
+    store->Release();
+    EXPECT_THROW(StrBuf1::newStrBuf1Cap(0xFFFFFF), std::bad_alloc);
+}
+
+TEST(StrBuf1Test, StaticInstanceHasAReferenceOfItsOwn) {
+    char16_t units[20];
+    StrBuf1Wrap store(units, 20);
+    store.initStaticInstance(0);
+    EXPECT_TRUE(store.isStaticInstance());
+    EXPECT_EQ(store.getRefCount(), 1u);
+    EXPECT_EQ(store.isPrivatelyHeld(1), 20u);
+    store.AddRef();
+    EXPECT_EQ(store.isPrivatelyHeld(0), 20u);
+    EXPECT_EQ(store.isPrivatelyHeld(1), 0u);
+    store.AddRef();
+    EXPECT_EQ(store.isPrivatelyHeld(0), 0u);
+    store.Release();
+    store.Release();
+    EXPECT_EQ(store.getRefCount(), 1u);
+}
+
+TEST(StrBuf1Test, NeverSharedInstanceIsAlwaysPrivate) {
+    char16_t units[20];
+    StrBuf1Wrap store(units, 20);
+    store.initStaticInstance(1);
+    for (int i = 0; i < 5; ++i) {
+        store.AddRef();
+    }
+    EXPECT_EQ(store.isPrivatelyHeld(0), 20u);
+}
+
+TEST(StrBuf1Test, FieldsAreWrittenUnderTheirMasks) {
+    StrBuf1Wrap store(u"", 0x7FFFFFF);
+    EXPECT_EQ(store.getBufCapacity(), 0xFFFFFFu);
+    store.setCapacityValue(0xFF000005);
+    EXPECT_EQ(store.getBufCapacity(), 5u);
+    store.setHeapBits(0xFFFFFFFF);
+    EXPECT_EQ(store.getHeapBits(), 0x3000000u);
+    EXPECT_EQ(store.getBufCapacity(), 5u);
+    EXPECT_FALSE(store.isStaticInstance());
+    store.setHeapBits(0x1000000);
+    EXPECT_EQ(store.getHeapBits(), 0x1000000u);
+}
+
+TEST(StrBuf1Test, ReadOnlyStoreIsNeverPrivate) {
+    StrBuf1Static store(u"text", 4);
+    EXPECT_EQ(store.isPrivatelyHeld(0), 0u);
+    EXPECT_EQ(store.isPrivatelyHeld(1), 0u);
+    EXPECT_EQ(store.getBufCapacity(), 4u);
+}
+
+// --- Making and sharing ---
+
+TEST(Str1Test, NewStringIsEmpty) {
+    const Str1 text;
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(text.getData0(), nullptr);
+    EXPECT_EQ(text.toQVString(), u"");
+    EXPECT_EQ(Str1(20u).getLength(), 0);
+    EXPECT_NE(Str1(20u).getData1(), nullptr);
+}
+
+TEST(Str1Test, CopiesShare) {
+    const Str1Copy text(u"text");
+    const Str1 copy(text);
+    EXPECT_TRUE(shares(text, copy));
+    Str1 assigned;
+    assigned = text;
+    EXPECT_TRUE(shares(text, assigned));
+    auto& same = assigned;
+    assigned = same;
+    EXPECT_EQ(assigned, text);
+}
+
+TEST(Str1Test, AppendToASharedViewLeavesTheSharers) {
+    const Str1Copy text(u"text");
+    Str1 view(text, 1, 3);
+    EXPECT_EQ(units(view), u"ex");
+    view.append(u"!");
+    EXPECT_EQ(units(view), u"ex!");
+    EXPECT_EQ(units(text), u"text");
+    EXPECT_FALSE(shares(text, view));
+}
+
+TEST(Str1Test, SubstringIsAView) {
+    const Str1Copy text(u"0123456789");
+    EXPECT_EQ(text.substring(2, 5).getData1(), text.getData1() + 2);
+    EXPECT_EQ(units(text.substring(2, 5)), u"234");
+    EXPECT_EQ(units(text.substring(7)), u"789");
+    EXPECT_EQ(units(text.substring(7, 99)), u"789");
+    EXPECT_TRUE(text.substring(10).isEmpty());
+    EXPECT_TRUE(text.substring(-1, 3).isEmpty());
+    EXPECT_TRUE(text.substring(5, 5).isEmpty());
+    EXPECT_TRUE(text.substring(6, 5).isEmpty());
+    const Str1 view = text.substring(2).substring(3, 5);
+    EXPECT_EQ(units(view), u"56");
+}
+
+TEST(Str1Test, TextsAreCopiedInFromEverySource) {
+    Str1 text;
+    EXPECT_EQ(units(text.copy(u"units")), u"units");
+    EXPECT_EQ(units(text.copy(u"units", 2)), u"un");
+    EXPECT_EQ(units(text.copy(String(u"string"))), u"string");
+    EXPECT_EQ(units(text.copy(Str1Copy(u"light"))), u"light");
+    text = String(u"again");
+    EXPECT_EQ(units(text), u"again");
+    text = u"and again";
+    EXPECT_EQ(units(text), u"and again");
+    EXPECT_EQ(units(text.copy(text)), u"and again");
+    EXPECT_EQ(units(Str1Copy(String(u"copy"))), u"copy");
+}
+
+TEST(Str1Test, CopyOfNothingKeepsTheStore) {
+    Str1 text = Str1Copy(u"text");
+    const char16_t* const data = text.getData1();
+    text.copy(u"", 0);
+    EXPECT_EQ(text.getLength(), 0);
+    EXPECT_EQ(text.getData1(), data);
+}
+
+TEST(Str1Test, ClearKeepsAndResetGivesTheStoreBack) {
+    Str1 text = Str1Copy(u"text");
+    const char16_t* const data = text.getData1();
+    text.clear();
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(text.getData1(), data);
+    text.adjustLength(2);
+    EXPECT_EQ(units(text), u"te");
+    text.adjustLength(-1);
+    EXPECT_EQ(units(text), u"t");
+    text.reset();
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(text.getData0(), nullptr);
+}
+
+// --- Appending ---
+
+TEST(Str1Test, AppendGrowsTheText) {
+    Str1 text;
+    text.append(u"abc").append(u"defg", 2).append(u'x').append(u'y', 3).append(String(u"z"));
+    EXPECT_EQ(units(text), u"abcdexyyyz");
+    text.append(u"", 0).append(u'q', 0).append(u'q', -1);
+    EXPECT_EQ(units(text), u"abcdexyyyz");
+    text += u"1";
+    text += u'2';
+    text += String(u"3");
+    text += Str1Copy(u"4");
+    EXPECT_EQ(units(text), u"abcdexyyyz1234");
+}
+
+TEST(Str1Test, AppendOfALightStringTakesARange) {
+    const Str1Copy source(u"0123456789");
+    Str1 text = Str1Copy(u"x");
+    EXPECT_EQ(units(text.append(source, 3, 2)), u"x234");
+    EXPECT_EQ(units(text.append(source, -1, 8)), u"x23489");
+    EXPECT_EQ(units(text.append(text)), u"x23489x23489");
+}
+
+TEST(Str1Test, AppendToAStringWithoutAStoreIsAView) {
+    const Str1Copy source(u"0123456789");
+    Str1 text;
+    text.append(source, 3, 2);
+    EXPECT_EQ(units(text), u"234");
+    EXPECT_EQ(text.getData1(), source.getData1() + 2);
+}
+
+TEST(Str1Test, GrowingTextGrowsByAQuarter) {
+    Str1 text = Str1Copy(u"a");
+    text.append(u'b', 99); // 100 units wanted: 112 rounded, a quarter more: 140, and 144 rounded
+    const char16_t* const data = text.getData1();
+    text.append(u'c', 44);
+    EXPECT_EQ(text.getData1(), data);
+    text.append(u'c');
+    EXPECT_NE(text.getData1(), data);
+    EXPECT_EQ(text.getLength(), 145);
+}
+
+TEST(Str1Test, ViewThatWalkedForwardReclaimsItsFront) {
+    Str1 text(160u);
+    text.append(u'x', 150);
+    const char16_t* const front = text.getData1();
+    text = text.substring(140);
+    EXPECT_EQ(text.getData1(), front + 140);
+    text.append(u'y', 100);
+    EXPECT_EQ(text.getData1(), front) << "moved to the start of its own store";
+    std::u16string expected(10, u'x');
+    expected.append(100, u'y');
+    EXPECT_EQ(units(text), expected);
+}
+
+TEST(Str1Test, LengthBeyondTheStoreIsOutOfMemory) {
+    Str1 text = Str1Copy(u"abc");
+    EXPECT_THROW(text.append(u'x', 0x1000000), std::bad_alloc);
+    EXPECT_THROW(text.append(u'x', std::numeric_limits<int>::max()), std::bad_alloc);
+    EXPECT_EQ(units(text), u"abc");
+}
+
+TEST(Str1Test, LongTextsGrowUnitByUnit) {
+    Str1 text;
+    for (int i = 0; i < 70000; ++i) {
+        text += static_cast<char16_t>(u'a' + i % 26);
+    }
+    ASSERT_EQ(text.getLength(), 70000);
+    EXPECT_EQ(text[69999], u'a' + 69999 % 26);
+}
+
+// --- Comparison, search, case ---
+
+TEST(Str1Test, EqualityNeedsLengthAndUnits) {
+    EXPECT_TRUE(Str1Copy(u"abc") == Str1Copy(u"abc"));
+    EXPECT_FALSE(Str1Copy(u"abc") == Str1Copy(u"abd"));
+    EXPECT_FALSE(Str1Copy(u"abc") == Str1Copy(u"ab"));
+    EXPECT_TRUE(Str1() == Str1());
+    EXPECT_TRUE(Str1Copy(u"abc") == u"abc");
+    EXPECT_FALSE(Str1Copy(u"abc") == u"abcd");
+    EXPECT_TRUE(Str1() == u"");
+}
+
+TEST(Str1Test, IndexOfLooksFromAPlaceInside) {
+    const Str1Copy text(u"abcABC");
+    EXPECT_EQ(text.indexOf(u'b'), 1);
+    EXPECT_EQ(text.indexOf(u'b', 2), -1);
+    EXPECT_EQ(text.indexOf(u'b', 2, true), 4);
+    EXPECT_EQ(text.indexOf(u'C', 0, true), 2);
+    EXPECT_EQ(text.indexOf(u'a', 6), -1);
+    EXPECT_EQ(text.indexOf(u'a', -1), -1);
+    EXPECT_EQ(Str1().indexOf(u'a'), -1);
+}
+
+TEST(Str1Test, StartsWith) {
+    const Str1Copy text(u"Hello");
+    EXPECT_TRUE(text.startsWith(u"Hel"));
+    EXPECT_FALSE(text.startsWith(u"hel"));
+    EXPECT_TRUE(text.startsWith(u"hel", -1, true));
+    EXPECT_TRUE(text.startsWith(u""));
+    EXPECT_FALSE(text.startsWith(u"Hello!"));
+    EXPECT_TRUE(text.startsWith(Str1Copy(u"HE"), true));
+    EXPECT_TRUE(text.startsWith(Str1()));
+    EXPECT_TRUE(Str1().startsWith(u""));
+    EXPECT_EQ(text[1], u'e');
+}
+
+TEST(Str1Test, CaseChangesOnlyWhatChanges) {
+    Str1 text = Str1Copy(u"aÀЖ");
+    const Str1 sharer(text);
+    EXPECT_EQ(text.toLower(), 0);
+    EXPECT_EQ(units(text), u"aàж");
+    EXPECT_EQ(units(sharer), u"aÀЖ");
+    const Str1 lower(text);
+    EXPECT_EQ(text.toLower(), 0);
+    EXPECT_TRUE(shares(text, lower)) << "text that is so already stays shared";
+    EXPECT_EQ(text.toUpper(), 0);
+    EXPECT_EQ(units(text), u"AÀЖ");
+    Str1 none;
+    EXPECT_EQ(none.toLower(), 0);
+}
+
+TEST(Str1Test, BecomesAString) {
+    EXPECT_EQ(Str1Copy(u"text").toQVString(), u"text");
+    EXPECT_EQ(Str1().toQVString().getData(), String().getData());
+}
+
+// --- Forms ---
+
+TEST(Str1FormsTest, WrapReadsTheCallersArray) {
+    char16_t memory[16] = u"abc";
+    Str1Wrap text(memory, -1, 16);
+    EXPECT_EQ(text.getData1(), memory);
+    text.append(u"d");
+    EXPECT_EQ(memory[3], u'd') << "it is the sole holder and writes in place";
+}
+
+TEST(Str1FormsTest, StaticTextIsNeverWrittenInPlace) {
+    static const char16_t literal[] = u"literal";
+    Str1Static text(literal);
+    EXPECT_EQ(text.getData1(), literal);
+    EXPECT_EQ(units(text.substring(1, 3)), u"it");
+    text.toUpper();
+    EXPECT_EQ(units(text), u"LITERAL");
+    EXPECT_NE(text.getData1(), literal);
+    EXPECT_EQ(std::u16string(literal), u"literal");
+}
+
+TEST(Str1FormsTest, LocalWritesTheCallersArrayAndComesHome) {
+    char16_t memory[8] = u"ab";
+    Str1Local text(memory, -1, 8);
+    text.append(u"cd");
+    EXPECT_EQ(text.getData1(), memory);
+    text.append(u'x', 20);
+    EXPECT_NE(text.getData1(), memory);
+    EXPECT_EQ(text.getLength(), 24);
+    text.copy(u"home");
+    EXPECT_EQ(units(text), u"home");
+    const Str1 sharer(text);
+    text.append(u"!");
+    EXPECT_EQ(units(sharer), u"home");
+    EXPECT_EQ(units(text), u"home!");
+}
+
+TEST(Str1FormsTest, TextComesHomeWhenAnotherHoldsTheHeapStore) {
+    Str1Fixed<128> text;
+    const auto* const object = reinterpret_cast<const char*>(&text);
+    const auto isHome = [&] {
+        const auto* const data = reinterpret_cast<const char*>(text.getData1());
+        return data >= object && data < object + sizeof text;
+    };
+    text.copy(u"short");
+    EXPECT_TRUE(isHome());
+    text.append(u'x', 200);
+    EXPECT_FALSE(isHome());
+    const Str1 sharer(text);
+    text.copy(u"short");
+    EXPECT_TRUE(isHome());
+    EXPECT_EQ(sharer.getLength(), 205);
+}
+
+TEST(Str1FormsTest, FixedTakesEverySource) {
+    Str1Fixed<128> text(u"abc");
+    EXPECT_EQ(units(text), u"abc");
+    text = String(u"string");
+    EXPECT_EQ(units(text), u"string");
+    text = u"units";
+    EXPECT_EQ(units(text), u"units");
+    text = Str1Copy(u"light");
+    EXPECT_EQ(units(text), u"light");
+}
+
+// --- Appendor ---
+
+TEST(Str1AppendorTest, AppendsFast) {
+    Str1 text = Str1Copy(u"start:");
+    Str1::Appendor appendor(text, 100, 50);
+    appendor.firstAppend(u"first", 5);
+    const char16_t* const data = text.getData1();
+    for (int i = 0; i < 90; ++i) {
+        appendor.fastAppend(u'x');
+    }
+    EXPECT_EQ(text.getData1(), data) << "the room was asked for once";
+    appendor.fastAppend(u"end", 3);
+    std::u16string expected(u"start:first");
+    expected.append(90, u'x').append(u"end");
+    EXPECT_EQ(units(text), expected);
+    std::u16string long1(1000, u'y');
+    appendor.fastAppend(long1.data(), 1000);
+    EXPECT_EQ(text.getLength(), 1104);
+}
+
+TEST(Str1AppendorTest, FirstAppendOfNothingReserves) {
+    Str1 text = Str1Copy(u"0123456789");
+    Str1::Appendor appendor(text, 6, 1);
+    appendor.firstAppend(nullptr, 0);
+    EXPECT_EQ(text.getLength(), 10);
+    for (int i = 0; i < 100; ++i) {
+        appendor.fastAppend(u'x');
+    }
+    std::u16string expected(u"0123456789");
+    expected.append(100, u'x');
+    EXPECT_EQ(units(text), expected);
+}
+
+TEST(Str1AppendorTest, ResyncFollowsOtherChanges) {
+    Str1 text;
+    Str1::Appendor appendor(text, 10, 10);
+    appendor.fastAppend(u"abc", 3);
+    const Str1 sharer(text);
+    text.append(u"d");
+    appendor.resync();
+    appendor.fastAppend(u'e');
+    EXPECT_EQ(units(text), u"abcde");
+    EXPECT_EQ(units(sharer), u"abc");
+}
+
+// --- Narrow text ---
+
+TEST(Str1BytesTest, BytesAreDecoded) {
+    EXPECT_EQ(units(Str1(bytesOf("a\xC3\xA9"), -1, u"UTF-8")), u"aé");
+    Str1 text = Str1Copy(u"old");
+    EXPECT_EQ(text.appendA(bytesOf("\xC3\xA9!"), 2, u"UTF-8"), 0);
+    EXPECT_EQ(units(text), u"oldé");
+    EXPECT_EQ(text.copyA(bytesOf("new"), -1, u"UTF-8"), 0);
+    EXPECT_EQ(units(text), u"new");
+    EXPECT_EQ(text.appendA(bytesOf(""), 0, u"no such"), 0) << "no bytes, no decoder";
+}
+
+TEST(Str1BytesTest, LongBytesAreDecodedThroughChunks) {
+    std::string bytes;
+    std::u16string expected;
+    for (int i = 0; i < 3000; ++i) {
+        bytes += "a\xD0\x96\xE4\xB8\xAD";
+        expected += u"aЖ中";
+    }
+    Str1 text;
+    EXPECT_EQ(text.copyA(bytesOf(bytes.c_str()), -1, u"UTF-8"), 0);
+    EXPECT_EQ(units(text), expected);
+}
+
+TEST(Str1BytesTest, FailuresAreResults) {
+    Str1 text;
+    EXPECT_EQ(text.appendA(bytesOf("ab\xC3"), -1, u"UTF-8"), QV_E_FAIL);
+    EXPECT_EQ(units(text), u"ab") << "what was decoded stays";
+    EXPECT_EQ(text.appendA(bytesOf("x"), -1, u"no such"), QV_E_UNKNOWNENCODING);
+    EXPECT_EQ(text.appendA(bytesOf("\xED\xA0\x80"), -1, u"UTF-8"), QV_E_INVALIDCHARACTER);
+    EXPECT_EQ(support::thrownResult([] { Str1(bytesOf("\xC3"), -1, u"UTF-8"); }), QV_E_FAIL);
+}
+
+TEST(Str1BytesTest, NarrowLengthIsMeasured) {
+    int length = -1;
+    EXPECT_EQ(Str1Copy(u"aé中").getLengthA(&length, u"UTF-8"), 0);
+    EXPECT_EQ(length, 6);
+    EXPECT_EQ(Str1Copy(u"aé中").getLengthA(&length, u"UTF-8", 1), 0);
+    EXPECT_EQ(length, 5);
+    Str1 text;
+    text.append(u'中', 5000);
+    EXPECT_EQ(text.getLengthA(&length, u"UTF-8"), 0);
+    EXPECT_EQ(length, 15000);
+    EXPECT_EQ(Str1().getLengthA(&length, u"UTF-8"), 0);
+    EXPECT_EQ(length, 0);
+    length = 7;
+    EXPECT_EQ(text.getLengthA(&length, u"no such"), QV_E_UNKNOWNENCODING);
+    EXPECT_EQ(length, 0);
+    EXPECT_EQ(Str1Copy(u"a\xD800x").getLengthA(&length, u"UTF-8"), QV_E_INVALIDCHARACTER);
+    EXPECT_EQ(Str1Copy(u"a\xD800").getLengthA(&length, u"AMP-7"), QV_E_FAIL)
+        << "a text that cannot be ended does not loop";
+}
+
+TEST(Str1BytesTest, NarrowFormIsWrittenAndTerminated) {
+    char out[16];
+    int written = -1;
+    int position = 0;
+    EXPECT_EQ(Str1Copy(u"aé").convertToAZ(out, 16, u"UTF-8", &written, &position), 0);
+    EXPECT_STREQ(out, "a\xC3\xA9");
+    EXPECT_EQ(written, 3);
+    EXPECT_EQ(position, 2);
+    EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 16, u"UTF-8"), 0);
+    EXPECT_STREQ(out, "abc");
+    position = 1;
+    EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 16, u"UTF-8", nullptr, &position), 0);
+    EXPECT_STREQ(out, "bc");
+}
+
+TEST(Str1BytesTest, CutTextHasNoTerminator) {
+    char out[4] = {'x', 'x', 'x', 'x'};
+    int written = -1;
+    int position = 0;
+    EXPECT_EQ(Str1Copy(u"abcdef").convertToAZ(out, 4, u"UTF-8", &written, &position),
+              QV_E_BUFFERTOOSMALL);
+    EXPECT_EQ(written, 3);
+    EXPECT_EQ(position, 3);
+    EXPECT_EQ(std::string(out, 4), "abcx");
+    EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 4, u"UTF-8"), 0);
+    EXPECT_STREQ(out, "abc");
+}
+
+TEST(Str1BytesTest, RoomForOneByteTakesTheTerminatorOfAnEmptyText) {
+    char out[1] = {'x'};
+    EXPECT_EQ(Str1().convertToAZ(out, 1, u"UTF-8"), 0);
+    EXPECT_EQ(out[0], 0);
+}
+
+TEST(Str1BytesTest, NoRoomIsABadArgument) {
+    char out[1];
+    EXPECT_EQ(Str1Copy(u"a").convertToAZ(nullptr, 5), QV_E_INVALIDARG);
+    EXPECT_EQ(Str1Copy(u"a").convertToAZ(out, 0), QV_E_INVALIDARG);
+    EXPECT_EQ(Str1Copy(u"a").convertToAZ(out, 1, u"no such"), QV_E_UNKNOWNENCODING);
+}
+
+TEST(Str1BytesTest, BytesComeInAnArrayThatFreesItself) {
+    const OwningArray<char> bytes = Str1Copy(u"aé中").getBytesAZ(u"UTF-8");
+    EXPECT_STREQ(bytes, "a\xC3\xA9\xE4\xB8\xAD");
+    EXPECT_STREQ(Str1().getBytesAZ(u"UTF-8"), "");
+    EXPECT_THROW(Str1Copy(u"a").getBytesAZ(u"no such"), text::charset::UnknownEncodingException);
+    EXPECT_EQ(support::thrownResult([] { Str1Copy(u"\xD800x").getBytesAZ(u"UTF-8"); }),
+              QV_E_INVALIDCHARACTER);
+}
+
+} // namespace

@@ -1,0 +1,303 @@
+#include "qv/AnsiBytes.h"
+#include "qv/Exceptions.h"
+#include "qv/String.h"
+#include "qv/util/ROBuffer.h"
+#include "qv/util/RWBuffer.h"
+#include "tests/support/Printing.h"
+#include "tests/support/Throws.h"
+
+#include <clocale>
+#include <cstdarg>
+#include <gtest/gtest.h>
+#include <limits>
+
+using namespace qv;
+
+namespace {
+
+const signed char* bytesOf(const char* text) { return reinterpret_cast<const signed char*>(text); }
+
+std::string content(const util::RWByteBuffer& buffer) {
+    return {reinterpret_cast<const char*>(buffer.getData()),
+            static_cast<std::size_t>(buffer.getLength())};
+}
+
+/// Sets the runtime locale for a scope.
+class LocaleScope {
+public:
+    explicit LocaleScope(const char* name) : old_(std::setlocale(LC_ALL, nullptr)) {
+        std::setlocale(LC_ALL, name);
+    }
+    ~LocaleScope() { std::setlocale(LC_ALL, old_.c_str()); }
+
+private:
+    std::string old_;
+};
+
+// --- AnsiBytes ---
+
+TEST(AnsiBytesTest, NamesAreEqualButForTheCaseOfAsciiLetters) {
+    const String::AnsiBytes bytes(u"UTF-8");
+    EXPECT_TRUE(bytes.encodingEquals(u"UTF-8"));
+    EXPECT_TRUE(bytes.encodingEquals(u"utf-8"));
+    EXPECT_FALSE(bytes.encodingEquals(u"utf-9"));
+    EXPECT_FALSE(bytes.encodingEquals(u"UTF-"));
+    EXPECT_FALSE(bytes.encodingEquals(u"UTF-88"));
+    EXPECT_FALSE(bytes.encodingEquals(nullptr));
+    EXPECT_FALSE(String::AnsiBytes(u"\u00C0").encodingEquals(u"\u00E0"));
+    EXPECT_EQ(bytes.getLength(), 0);
+}
+
+TEST(AnsiBytesTest, NullEqualsNullAlone) {
+    const String::AnsiBytes bytes(nullptr);
+    EXPECT_TRUE(bytes.encodingEquals(nullptr));
+    EXPECT_FALSE(bytes.encodingEquals(u"UTF-8"));
+}
+
+TEST(AnsiBytesTest, NameIsCopied) {
+    char16_t name[] = u"UTF-8";
+    const String::AnsiBytes bytes(name);
+    name[0] = u'X';
+    EXPECT_TRUE(bytes.encodingEquals(u"UTF-8"));
+}
+
+// --- Narrow output ---
+
+TEST(StringBytesTest, NarrowFormIsTerminated) {
+    EXPECT_STREQ(String(u"aé€\U0001F600").getBytes(u"UTF-8"), "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+    EXPECT_STREQ(String().getBytes(u"UTF-8"), "");
+    EXPECT_STREQ(String(u"plain").getBytes(), "plain");
+}
+
+TEST(StringBytesTest, SameEncodingGivesTheSameBytesUntilAWrite) {
+    String text(u"text");
+    const char* const first = text.getBytes();
+    EXPECT_EQ(text.getBytes(), first);
+    EXPECT_EQ(text.getBytes(nullptr), first);
+    const char* const named = text.getBytes(u"UTF-8");
+    EXPECT_EQ(text.getBytes(u"utf-8"), named);
+    text.append(u"!");
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "text!");
+}
+
+TEST(StringBytesTest, NarrowFormIsNotCarriedOverByACopy) {
+    const String text(u"text");
+    const char* const bytes = text.getBytes(u"UTF-8");
+    const String copy(text);
+    EXPECT_NE(copy.getBytes(u"UTF-8"), bytes);
+    EXPECT_STREQ(bytes, "text");
+}
+
+TEST(StringBytesTest, TerminatorIsAsWideAsTheWidestCharacter) {
+    util::RWByteBuffer buffer;
+    String(u"ab").getBytes(&buffer, u"UTF-16LE");
+    EXPECT_EQ(content(buffer), std::string("a\0b\0\0\0\0\0", 8));
+    String(u"ab").getBytes(&buffer, u"ISO8859_1");
+    EXPECT_EQ(content(buffer), std::string("ab\0", 3));
+    String(u"ab").getBytes(&buffer, u"UTF-8");
+    EXPECT_EQ(content(buffer), std::string("ab\0\0\0\0\0\0", 8));
+}
+
+TEST(StringBytesTest, CallersMemoryTakesTextAndTerminator) {
+    signed char memory[16];
+    EXPECT_EQ(String(u"ab").getBytes(memory, 16, u"UTF-16LE"), 8);
+    EXPECT_EQ(String(u"ab").getBytes(memory, 6, u"UTF-16LE"), 6) << "as many zeros as fit";
+    EXPECT_EQ(memory[5], 0);
+    EXPECT_EQ(String(u"abc").getBytes(memory, 4, u"ISO8859_1"), 4);
+    EXPECT_EQ(memory[3], 0);
+    EXPECT_EQ(String(u"abc").getBytes(memory, 3, u"ISO8859_1"), 3) << "no room for a terminator";
+    memory[2] = 'x';
+    EXPECT_EQ(String(u"abc").getBytes(memory, 2, u"ISO8859_1"), 2) << "the text is cut";
+    EXPECT_EQ(memory[2], 'x');
+    char narrow[8];
+    EXPECT_EQ(String(u"abc").getBytes(narrow, 8, u"ISO8859_1"), 4);
+    EXPECT_STREQ(narrow, "abc");
+    EXPECT_EQ(String(u"abc").getBytes(narrow, 0, u"ISO8859_1"), 0);
+}
+
+TEST(StringBytesTest, UnmappableCharactersAreSubstituted) {
+    EXPECT_STREQ(String(u"a€b").getBytes(u"ISO8859_1"), "a?b");
+}
+
+TEST(StringBytesTest, UnknownEncodingThrowsWithItsName) {
+    String text(u"text");
+    EXPECT_EQ(support::thrownText<text::charset::UnknownEncodingException>(
+                  [&] { text.getBytes(u"no such"); }),
+              "no such");
+    EXPECT_THROW(text.getBytes(u"no such"), text::charset::UnknownEncodingException)
+        << "a failed rendering is not kept";
+    EXPECT_THROW(text.getBytesReadLock(u"no such"), text::charset::UnknownEncodingException);
+    util::RWByteBuffer buffer;
+    EXPECT_THROW(text.getBytes(&buffer, u"no such"), text::charset::UnknownEncodingException);
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "text");
+}
+
+TEST(StringBytesTest, LoneLeadingSurrogateAtTheEndThrows) {
+    const String text(u"a\xD800");
+    EXPECT_THROW(text.getBytes(u"UTF-8"), text::charset::InvalidCharacterException);
+    EXPECT_THROW(text.getBytes(u"UTF-8"), text::charset::InvalidCharacterException);
+}
+
+TEST(StringBytesTest, RefusedBufferThrowsItsResult) {
+    util::ROByteBuffer buffer;
+    EXPECT_EQ(support::thrownResult([&] { String(u"a").getBytes(&buffer, u"UTF-8"); }),
+              QV_E_NOTIMPL);
+}
+
+// --- Narrow input ---
+
+TEST(StringBytesTest, BytesAreDecoded) {
+    EXPECT_EQ(String(bytesOf("a\xC3\xA9\xF0\x9F\x98\x80"), -1, u"UTF-8"), u"aé\U0001F600");
+    EXPECT_EQ(String(bytesOf("abc"), 2, u"UTF-8"), u"ab");
+    EXPECT_EQ(String(bytesOf("a\0b"), 3, u"UTF-8").getLength(), 3);
+    EXPECT_EQ(String(bytesOf("a\0b\0"), 4, u"UTF-16LE"), u"ab");
+    EXPECT_EQ(String(bytesOf(""), -1, u"UTF-8").getData(), String().getData());
+    EXPECT_EQ(String(nullptr, 0, u"UTF-8", 0).getData(), String().getData());
+    EXPECT_EQ(String(static_cast<const signed char*>(nullptr), 0, u"UTF-8", 20).getLength(), 0);
+    EXPECT_EQ(String(bytesOf("\x80"), -1, u"CP1252"), u"€");
+}
+
+TEST(StringBytesTest, SetToDecodesInPlaceOfTheText) {
+    String text(u"old");
+    const String copy(text);
+    static_cast<void>(text.getBytes(u"UTF-8"));
+    EXPECT_EQ(&text.setTo("\xC3\xA9", -1, u"UTF-8"), &text);
+    EXPECT_EQ(text, u"é");
+    EXPECT_EQ(copy, u"old");
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "\xC3\xA9");
+    text.setTo("", -1, u"UTF-8");
+    EXPECT_EQ(text.getData(), String().getData());
+    text = "narrow";
+    EXPECT_EQ(text, u"narrow");
+    EXPECT_THROW(text.setTo("x", -1, u"no such"), text::charset::UnknownEncodingException);
+    EXPECT_EQ(text, u"narrow");
+}
+
+TEST(StringBytesTest, LongTextsTravelThereAndBack) {
+    String text;
+    for (int i = 0; i < 5000; ++i) {
+        text.append(u"aé中\U0001F600");
+    }
+    for (const char16_t* encoding : {u"UTF-8", u"UTF-16BE", u"UTF-32LE", u"AMP-7"}) {
+        util::RWByteBuffer buffer;
+        text.getBytes(&buffer, encoding);
+        const String back(buffer.getData(), buffer.getLength(), encoding);
+        EXPECT_TRUE(back.startsWith(text)) << String(encoding).getBytes();
+    }
+}
+
+// --- Formatting ---
+
+TEST(StringFormatTest, PlaceholdersAreFilledByIndex) {
+    String text;
+    EXPECT_EQ(&text.format(u"{0} and {1}", -1, u"one", u"two"), &text);
+    EXPECT_EQ(text, u"one and two");
+    EXPECT_EQ(String().format(u"{1} before {0}", -1, u"one", u"two"), u"two before one");
+    EXPECT_EQ(String().format(u"{0}{0}", -1, u"x"), u"xx");
+    EXPECT_EQ(String().format(u"{0}{0}", 3, u"x"), u"x") << "the length counts";
+    EXPECT_EQ(String().format(String(u"<{0}>"), u"x"), u"<x>");
+    EXPECT_EQ(String().format(u"{0}", -1, String(u"string").getData()), u"string");
+}
+
+TEST(StringFormatTest, PatternWithoutPlaceholdersIsTheResult) {
+    EXPECT_EQ(String(u"old").format(u"pattern", -1), u"pattern");
+    EXPECT_EQ(String(u"old").format(u"", -1), u"");
+    EXPECT_EQ(String().format(u"{} {a} {0 {-1} { } {00} {01}", -1, u"x"),
+              u"{} {a} {0 {-1} { } {00} {01}");
+}
+
+TEST(StringFormatTest, IndicesEndAtTheFirstGap) {
+    EXPECT_EQ(String().format(u"{0} {2}", -1, u"a", u"b", u"c"), u"a {2}");
+    EXPECT_EQ(String().format(u"{1}", -1, u"a", u"b"), u"{1}");
+}
+
+TEST(StringFormatTest, ArgumentsAreNotExpanded) {
+    EXPECT_EQ(String().format(u"{0} {1}", -1, u"{1}", u"b"), u"{1} b");
+    EXPECT_EQ(String().format(u"{1} {0}", -1, u"{0}{1}", u"{0}"), u"{0} {0}{1}");
+}
+
+TEST(StringFormatTest, PlaceholdersMayTouchAndNest) {
+    EXPECT_EQ(String().format(u"{{0}}", -1, u"x"), u"{x}");
+    EXPECT_EQ(String().format(u"{0}{1}{0}", -1, u"", u"long argument text"), u"long argument text");
+}
+
+TEST(StringFormatTest, ManyIndices) {
+    EXPECT_EQ(String().format(u"{10}{9}{8}{7}{6}{5}{4}{3}{2}{1}{0}", -1, u"a", u"b", u"c", u"d", u"e",
+                              u"f", u"g", u"h", u"i", u"j", u"k"),
+              u"kjihgfedcba");
+}
+
+TEST(StringFormatTest, OwnTextMayBeAnArgument) {
+    String text(u"own");
+    text.format(u"<{0}>", -1, text.getData());
+    EXPECT_EQ(text, u"<own>");
+}
+
+TEST(StringFormatTest, FormattingDropsTheNarrowForm) {
+    String text(u"old");
+    static_cast<void>(text.getBytes(u"UTF-8"));
+    text.format(u"new", -1);
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "new");
+}
+
+const String& throughList(String& text, const char16_t* pattern, int length, ...) {
+    va_list arguments;
+    va_start(arguments, length);
+    const String& result = text.formatv(pattern, length, arguments);
+    va_end(arguments);
+    return result;
+}
+
+const String& throughStringList(String& text, const String* pattern, ...) {
+    va_list arguments;
+    va_start(arguments, pattern);
+    const String& result = text.formatv(*pattern, arguments);
+    va_end(arguments);
+    return result;
+}
+
+TEST(StringFormatTest, VariableListGivesAsManyAsTheIndices) {
+    String text;
+    EXPECT_EQ(throughList(text, u"{1}-{0}", -1, u"a", u"b"), u"b-a");
+    EXPECT_EQ(throughList(text, u"none", -1), u"none");
+    const String pattern(u"[{0}]");
+    EXPECT_EQ(throughStringList(text, &pattern, u"x"), u"[x]");
+}
+
+// --- Values ---
+
+TEST(StringValueTest, IntegersAreWrittenInDecimal) {
+    EXPECT_EQ(String::valueOf(0), u"0");
+    EXPECT_EQ(String::valueOf(std::numeric_limits<int>::min()), u"-2147483648");
+    EXPECT_EQ(String::valueOf(4294967295u), u"4294967295");
+    EXPECT_EQ(String::valueOf(-5L), u"-5");
+    EXPECT_EQ(String::valueOf(5UL), u"5");
+    EXPECT_EQ(String::valueOf(std::int64_t{-9223372036854775807} - 1), u"-9223372036854775808");
+    EXPECT_EQ(String::valueOf(std::numeric_limits<std::uint64_t>::max()), u"18446744073709551615");
+}
+
+TEST(StringValueTest, FloatingNumbersHaveSixDigits) {
+    const LocaleScope locale("C");
+    EXPECT_EQ(String::valueOf(0.5), u"0.5");
+    EXPECT_EQ(String::valueOf(1.0f), u"1");
+    EXPECT_EQ(String::valueOf(1234567.0), u"1.23457e+06");
+    EXPECT_EQ(String::valueOf(-1e-10), u"-1e-10");
+    EXPECT_EQ(String::valueOf(std::numeric_limits<double>::infinity()), u"inf");
+}
+
+TEST(StringValueTest, DecimalSeparatorIsThatOfTheRuntimeLocale) {
+    const char* const names[] = {"de_DE.UTF-8", "fr_FR.UTF-8", "de-DE", "German_Germany.1252"};
+    for (const char* const name : names) {
+        const LocaleScope locale(name);
+        const String separator(bytesOf(std::localeconv()->decimal_point), -1);
+        EXPECT_EQ(String::valueOf(0.5), String(u"0") + separator + String(u"5"));
+    }
+}
+
+TEST(StringValueTest, TruthAndUnits) {
+    EXPECT_EQ(String::valueOf(true), u"true");
+    EXPECT_EQ(String::valueOf(false), u"false");
+    EXPECT_EQ(String::valueOf(u'中'), u"中");
+}
+
+} // namespace

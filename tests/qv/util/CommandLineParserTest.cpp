@@ -1,0 +1,248 @@
+#include "qv/util/CommandLineParser.h"
+
+#include "qv/Exceptions.h"
+#include "tests/support/Printing.h"
+#include "tests/support/Throws.h"
+
+#include <gtest/gtest.h>
+
+using namespace qv;
+using namespace qv::util;
+
+namespace {
+
+/// The elements of a parsed line, written down: `name(value|value)` for an option, `value` for a parameter.
+std::string written(const CommandLineParser& parser) {
+    std::string text;
+    for (int i = 0; i < parser.getElementCount(); ++i) {
+        const Reference<CommandLineParser::Element> element = parser.getElement(i);
+        EXPECT_EQ(element->getPosition(), i);
+        bool parameter = false;
+        for (int p = 0; p < parser.getParameterCount(); ++p) {
+            parameter = parameter || parser.getParameter(p) == element;
+        }
+        std::string values;
+        for (int v = 0; v < element->getValueCount(); ++v) {
+            values += (v > 0 ? "|" : "") + std::string(element->getValueString(v).getBytes(u"UTF-8"));
+        }
+        text += i > 0 ? " " : "";
+        text += parameter ? values
+                          : std::string(element->getName().getBytes(u"UTF-8")) + "(" + values + ")";
+    }
+    return text;
+}
+
+std::string parsed(const char16_t* line) {
+    CommandLineParser parser;
+    parser.parse(line);
+    return written(parser);
+}
+
+TEST(CommandLineParserTest, EmptyTextHasNoElements) {
+    EXPECT_EQ(parsed(u""), "");
+    EXPECT_EQ(parsed(nullptr), "");
+    EXPECT_EQ(parsed(u"   "), "");
+}
+
+TEST(CommandLineParserTest, OptionsAndParametersStandInOrder) {
+    EXPECT_EQ(parsed(u"a -b c /d"), "a b() c d()");
+    EXPECT_EQ(parsed(u"-x --x /x -/-x"), "x() x() x() x()");
+    EXPECT_EQ(parsed(u"-- x"), "() x");
+    EXPECT_EQ(parsed(u"a\tb c"), "a\tb c") << "tabs do not separate";
+    EXPECT_EQ(parsed(u"  a   b  "), "a b");
+}
+
+TEST(CommandLineParserTest, ValuesStandBehindTheEqualsSign) {
+    EXPECT_EQ(parsed(u"-a=1,2,3 b"), "a(1|2|3) b");
+    EXPECT_EQ(parsed(u"-a= b"), "a() b");
+    EXPECT_EQ(parsed(u"-a=b=c"), "a(b=c)");
+    EXPECT_EQ(parsed(u"-a=,,1,"), "a(1)");
+    EXPECT_EQ(parsed(u"-=5"), "(5)");
+    EXPECT_EQ(parsed(u"-a=-b"), "a(-b)");
+}
+
+TEST(CommandLineParserTest, QuotesProtectValues) {
+    EXPECT_EQ(parsed(u"-a=\"x y\",z"), "a(x y|z)");
+    EXPECT_EQ(parsed(u"-a=z,\"x y\" b"), "a(z|x y) b");
+    EXPECT_EQ(parsed(u"-a=\"x,y\""), "a(x,y)");
+    EXPECT_EQ(parsed(u"-a=\"\",b"), "a(|b)");
+    EXPECT_EQ(parsed(u"-a=x\"y z\""), "a(x\"y) z\"") << "a quote counts at the head of a value";
+    EXPECT_EQ(parsed(u"-a=\"x y"), "a(x) y") << "a quote that does not close protects nothing";
+}
+
+TEST(CommandLineParserTest, QuotesProtectParameters) {
+    EXPECT_EQ(parsed(u"\"a b\" c"), "a b c");
+    EXPECT_EQ(parsed(u"x \"a b\" c"), "x a b c");
+    EXPECT_EQ(parsed(u"\"\" c"), " c") << "an empty parameter";
+    EXPECT_EQ(parsed(u"\"-x\""), "x()") << "quotes do not protect a switch character";
+    EXPECT_EQ(parsed(u"\"-in=/tmp/a b.txt\""), "in(/tmp/a b.txt)");
+}
+
+TEST(CommandLineParserTest, QuoteBehindTwoBlanksIsKept) {
+    EXPECT_EQ(parsed(u"x  \"a b\""), "x \"a b\"");
+    CommandLineParser parser;
+    parser.parse(u"x  \"a b\"");
+    EXPECT_EQ(parser.getParameterCount(), 3);
+    EXPECT_EQ(parser.getParameter(1)->getValueString(0), u"\"a");
+    EXPECT_EQ(parser.getParameter(2)->getValueString(0), u"b\"");
+}
+
+class DefinedOptionTest : public testing::Test {
+protected:
+    void SetUp() override { parser.defineOption(u"o", 2, u"p, q"); }
+    std::string parse(const char16_t* line) {
+        parser.parse(line);
+        return written(parser);
+    }
+    CommandLineParser& parser = *new CommandLineParser; // an object may end with an exception
+    Reference<CommandLineParser> holder{&parser};
+};
+
+TEST_F(DefinedOptionTest, TakesItsValuesFromTheTokensBehindIt) {
+    EXPECT_EQ(parse(u"-o a b c"), "o(a|b) c");
+    EXPECT_EQ(parse(u"-o a"), "o(a)");
+    EXPECT_EQ(parse(u"-o \"a b\" c d"), "o(a b|c) d");
+    EXPECT_EQ(parse(u"-x 5"), "x() 5") << "an option without a definition takes none";
+}
+
+TEST_F(DefinedOptionTest, HasItsDefaultsAtTheEndAndInFrontOfAnOption) {
+    EXPECT_EQ(parse(u"-o"), "o(p|q)");
+    EXPECT_EQ(parse(u"-o "), "o(p|q)");
+    EXPECT_EQ(parse(u"-o -x"), "o(p|q) x()");
+    EXPECT_EQ(parse(u"-o /x"), "o(p|q) x()");
+}
+
+TEST_F(DefinedOptionTest, CountPlaysNoPartBehindAnEqualsSign) {
+    EXPECT_EQ(parse(u"-o=1,2,3 4"), "o(1|2|3) 4");
+    EXPECT_EQ(parse(u"-o= 4"), "o() 4");
+}
+
+TEST_F(DefinedOptionTest, LosesATokenThatOpensAnOption) {
+    EXPECT_EQ(parse(u"-o a -b"), "o(a)");
+    EXPECT_EQ(parse(u"-o   -x"), "o()") << "the blank behind it hides the switch character";
+    EXPECT_EQ(parse(u"-o a -b c"), "o(a) c");
+}
+
+TEST_F(DefinedOptionTest, AnswersForAnAbsentOption) {
+    parse(u"x");
+    EXPECT_FALSE(parser.isPresent(u"o"));
+    const Reference<CommandLineParser::Element> option = parser.getOption(u"o");
+    ASSERT_TRUE(option);
+    EXPECT_EQ(option->getPosition(), -1);
+    EXPECT_EQ(option->getValueCount(), 2);
+    EXPECT_EQ(parser.getValueString(u"o", 1), u"q");
+    EXPECT_FALSE(parser.getOption(u"unknown"));
+}
+
+TEST_F(DefinedOptionTest, LaterDefinitionTakesThePlaceOfAnEarlierOne) {
+    parser.defineOption(u"o", 1, u"z");
+    EXPECT_EQ(parse(u"-o a b"), "o(a) b");
+    EXPECT_EQ(parse(u"-o"), "o(z)");
+    parser.defineOption(u"o", 1, nullptr);
+    EXPECT_EQ(parse(u"-o"), "o()");
+    parse(u"");
+    EXPECT_FALSE(parser.getOption(u"o")) << "no defaults, no answer";
+    parser.defineOption(u"o", 1, u"");
+    ASSERT_TRUE(parser.getOption(u"o")) << "empty defaults are defaults";
+    EXPECT_EQ(parser.getOption(u"o")->getValueCount(), 0);
+}
+
+TEST_F(DefinedOptionTest, DefaultsAreSeparatedByCommasAndBlanks) {
+    parser.defineOption(u"o", 0, u"a,b c,, \"d e\" f");
+    parse(u"");
+    const Reference<CommandLineParser::Element> option = parser.getOption(u"o");
+    ASSERT_EQ(option->getValueCount(), 6);
+    EXPECT_EQ(option->getValueString(2), u"c");
+    EXPECT_EQ(option->getValueString(3), u"\"d") << "a quote behind a second delimiter is kept";
+    EXPECT_EQ(option->getValueString(4), u"e\"");
+}
+
+TEST(CommandLineParserTest, SecondParseDropsTheFirst) {
+    CommandLineParser parser;
+    parser.defineOption(u"o", 1);
+    parser.parse(u"-o a b");
+    parser.parse(u"-o c");
+    EXPECT_EQ(written(parser), "o(c)");
+    EXPECT_EQ(parser.getParameterCount(), 0);
+}
+
+TEST(CommandLineParserTest, LaterOfRepeatedOptionsIsFound) {
+    CommandLineParser parser;
+    parser.parse(u"-a=1 -a=2");
+    EXPECT_EQ(parser.getElementCount(), 2);
+    EXPECT_EQ(parser.getValueString(u"a", 0), u"2");
+}
+
+TEST(CommandLineParserTest, CaseIsIgnoredOnRequest) {
+    CommandLineParser parser;
+    parser.defineOption(u"Level", 1, u"7");
+    parser.parse(u"-NAME=x");
+    EXPECT_FALSE(parser.isPresent(u"name"));
+    EXPECT_FALSE(parser.getOption(u"level"));
+    parser.setIgnoreCase(true);
+    EXPECT_TRUE(parser.isPresent(u"name"));
+    EXPECT_EQ(parser.getValueLong(u"LEVEL", 0), 7);
+    parser.parse(u"-level 3");
+    EXPECT_EQ(parser.getValueLong(u"Level", 0), 3);
+    parser.setIgnoreCase(false);
+    EXPECT_FALSE(parser.isPresent(u"Level"));
+    EXPECT_TRUE(parser.isPresent(u"level"));
+}
+
+TEST(CommandLineParserTest, ArgumentsAreJoined) {
+    char program[] = "program";
+    char option[] = "-in=a b";
+    char tab[] = "x\ty";
+    char text[] = "\xC3\xA9";
+    char* arguments[] = {program, option, tab, text, nullptr};
+    CommandLineParser parser;
+    parser.parse(3, arguments + 1);
+    EXPECT_EQ(parser.getElementCount(), 3);
+    EXPECT_EQ(parser.getValueString(u"in", 0), u"a b");
+    EXPECT_EQ(parser.getElement(1)->getValueString(0), u"x\ty");
+    String decoded;
+    decoded = text;
+    EXPECT_EQ(parser.getElement(2)->getValueString(0), decoded);
+    parser.parse(1, arguments);
+    EXPECT_EQ(parser.getParameter(0)->getValueString(0), u"program");
+    parser.parse(0, arguments);
+    EXPECT_EQ(parser.getElementCount(), 0);
+}
+
+TEST(CommandLineParserTest, ValuesAreConverted) {
+    CommandLineParser parser;
+    parser.parse(u"-n=12ab,0x1F,010,-5,99999999999 -d=2.5x,-1e3 -t=abc, -e=\"\"");
+    EXPECT_EQ(parser.getValueLong(u"n", 0), 12);
+    EXPECT_EQ(parser.getValueLong(u"n", 1), 31);
+    EXPECT_EQ(parser.getValueLong(u"n", 2), 8);
+    EXPECT_EQ(parser.getValueLong(u"n", 3), -5);
+    EXPECT_EQ(parser.getValueLong(u"n", 4), 0x7FFFFFFF);
+    EXPECT_EQ(parser.getValueDouble(u"d", 1), -1000.0);
+    EXPECT_EQ(support::thrownText<Exception>([&] { parser.getValueLong(u"t", 0); }),
+              "Unable to convert string to long");
+    EXPECT_EQ(support::thrownText<Exception>([&] { parser.getValueDouble(u"t", 0); }),
+              "Unable to convert string to double");
+    EXPECT_EQ(support::thrownText<Exception>([&] { parser.getValueLong(u"e", 0); }),
+              "Unable to convert string to long");
+}
+
+TEST(CommandLineParserTest, IndicesOutOfRangeThrow) {
+    CommandLineParser parser;
+    parser.parse(u"-a=1 b");
+    for (const int index : {-1, 2, 99}) {
+        EXPECT_EQ(support::thrownText<Exception>([&] { parser.getElement(index); }),
+                  "Invalid vector index");
+        EXPECT_EQ(support::thrownText<Exception>([&] { parser.getParameter(index); }),
+                  "Invalid vector index");
+        EXPECT_EQ(support::thrownText<Exception>([&] { parser.getValueString(u"a", index); }),
+                  "Invalid vector index");
+        EXPECT_THROW(parser.getValueLong(u"a", index), Exception);
+        EXPECT_THROW(parser.getValueDouble(u"a", index), Exception);
+    }
+}
+
+TEST(CommandLineParserTest, SwitchCharactersAreFixed) {
+    EXPECT_EQ(String(CommandLineParser::m_switchChars), u"-/");
+}
+
+} // namespace

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "qvcore/Thread.h"
+
+#include <atomic>
+#include <filesystem>
+#include <string>
+
+namespace coretest {
+
+/// A folder of a test's own, gone with the object.
+class TestFolder {
+public:
+    TestFolder() {
+        static std::atomic<int> number = 0;
+        path_ = std::filesystem::temp_directory_path() /
+                ("qvcore-test-" + std::to_string(QVThreadGetID()) + "-" + std::to_string(++number));
+        std::filesystem::remove_all(path_);
+        std::filesystem::create_directory(path_);
+    }
+    ~TestFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TestFolder(const TestFolder&) = delete;
+    TestFolder& operator=(const TestFolder&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+    /// The path of something in the folder, in the library's text form.
+    std::u16string file(const std::u16string& name) const {
+        std::u16string text = path_.u16string() + u"\\" + name;
+        for (char16_t& unit : text) {
+            unit = unit == u'/' ? u'\\' : unit;
+        }
+        return text;
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace coretest

@@ -1,0 +1,90 @@
+#include "qvcore/File.h"
+
+#include "tests/qvcore/Results.h"
+#include "tests/qvcore/TestFolder.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+using namespace coretest;
+
+namespace {
+
+HANDLE native(std::uint64_t handle) {
+    return reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(handle));
+}
+
+std::uint64_t handleOf(HANDLE handle) { return reinterpret_cast<std::uintptr_t>(handle); }
+
+const wchar_t* wide(const std::u16string& text) {
+    return reinterpret_cast<const wchar_t*>(text.c_str());
+}
+
+} // namespace
+
+TEST(WindowsFileTest, HasAPathOfAnyLength) {
+    const TestFolder folder;
+    std::u16string path = u"\\\\?\\" + folder.path().u16string();
+    std::vector<std::u16string> folders;
+    for (int level = 0; level < 3; ++level) {
+        path += u"\\" + std::u16string(120, u'd');
+        ASSERT_TRUE(CreateDirectoryW(wide(path), nullptr));
+        folders.push_back(path);
+    }
+    const std::u16string plain = path.substr(4) + u"/file";
+    std::uint64_t file = QV_FILE_NONE;
+    ASSERT_EQ(QVFileOpen(plain.c_str(), QV_FILE_WRITE | QV_FILE_CREATE, 0700, &file), 0);
+    EXPECT_EQ(QVFileWrite(file, "x", 1), 0);
+    EXPECT_EQ(QVFileClose(file), 0);
+    ASSERT_EQ(QVFileOpen((path + u"\\file").c_str(), QV_FILE_READ, 0, &file), 0);
+    EXPECT_EQ(QVFileClose(file), 0);
+    EXPECT_TRUE(DeleteFileW(wide(path + u"\\file")));
+    for (auto each = folders.rbegin(); each != folders.rend(); ++each) {
+        EXPECT_TRUE(RemoveDirectoryW(wide(*each)));
+    }
+}
+
+TEST(WindowsFileTest, IsNotInherited) {
+    const TestFolder folder;
+    std::uint64_t file = QV_FILE_NONE;
+    ASSERT_EQ(QVFileOpen(folder.file(u"file").c_str(), QV_FILE_WRITE | QV_FILE_CREATE, 0700, &file),
+              0);
+    DWORD flags = 0;
+    EXPECT_TRUE(GetHandleInformation(native(file), &flags));
+    EXPECT_EQ(flags & HANDLE_FLAG_INHERIT, 0u);
+    EXPECT_EQ(QVFileClose(file), 0);
+}
+
+TEST(WindowsFileTest, RefusesAPathThatTheSystemCannotSpell) {
+    const TestFolder folder;
+    std::uint64_t file = 77;
+    EXPECT_EQ(
+        QVFileOpen(folder.file(u"a<b>|").c_str(), QV_FILE_WRITE | QV_FILE_CREATE, 0700, &file),
+        invalidName);
+    EXPECT_EQ(file, 77u);
+}
+
+TEST(WindowsFileTest, FlushesAPipeThatNobodyReads) {
+    HANDLE reading = nullptr;
+    HANDLE writing = nullptr;
+    ASSERT_TRUE(CreatePipe(&reading, &writing, nullptr, 0));
+    EXPECT_EQ(QVFileWrite(handleOf(writing), "x", 1), 0);
+    EXPECT_EQ(QVFileFlush(handleOf(writing)), 0);
+    EXPECT_EQ(QVFileClose(handleOf(writing)), 0);
+    char bytes[2];
+    std::uint32_t count = 7;
+    EXPECT_EQ(QVFileRead(handleOf(reading), bytes, 2, &count), 0);
+    EXPECT_EQ(count, 1u);
+    EXPECT_EQ(QVFileRead(handleOf(reading), bytes, 2, &count), 0);
+    EXPECT_EQ(count, 0u) << "the writers are gone";
+    EXPECT_EQ(QVFileClose(handleOf(reading)), 0);
+}
+
+TEST(WindowsFileTest, SaysThatAPipeIsBroken) {
+    HANDLE reading = nullptr;
+    HANDLE writing = nullptr;
+    ASSERT_TRUE(CreatePipe(&reading, &writing, nullptr, 0));
+    EXPECT_EQ(QVFileClose(handleOf(reading)), 0);
+    EXPECT_EQ(QVFileWrite(handleOf(writing), "x", 1), brokenPipe);
+    EXPECT_EQ(QVFileClose(handleOf(writing)), 0);
+}

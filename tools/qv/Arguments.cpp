@@ -1,0 +1,86 @@
+#include "Arguments.h"
+
+#include "qv/Exceptions.h"
+#include "qvcore/Module.h"
+
+#include <algorithm>
+
+namespace tool {
+
+using qv::Reference;
+using qv::String;
+using Element = qv::util::CommandLineParser::Element;
+
+Arguments::Arguments(int argc, char** argv) {
+    if (const char16_t* const line = QVModuleGetCommandLine()) {
+        parser_.parse(line); // as the system keeps it, so that no character is lost
+        programs_ = 1;
+    } else {
+        parser_.parse(std::max(argc - 1, 0), argv + 1);
+    }
+}
+
+String Arguments::parameter(int index) const {
+    index += programs_;
+    return index < parser_.getParameterCount() ? parser_.getParameter(index)->getValueString(0)
+                                               : String();
+}
+
+void Arguments::check(std::span<const OptionRule> rules, int parameters) const {
+    if (parser_.getParameterCount() - programs_ > parameters) {
+        throw UsageError();
+    }
+    int parameter = 0;
+    for (int i = 0; i < parser_.getElementCount(); ++i) {
+        const Reference<Element> element = parser_.getElement(i);
+        if (parameter < parser_.getParameterCount() && parser_.getParameter(parameter) == element) {
+            ++parameter;
+            continue;
+        }
+        const auto rule = std::ranges::find_if(rules, [&](const OptionRule& candidate) {
+            return element->getName() == candidate.name;
+        });
+        if (rule == rules.end() || rule->takesValue != (element->getValueCount() > 0)) {
+            throw UsageError();
+        }
+    }
+}
+
+bool Arguments::has(const char16_t* name) const { return parser_.isPresent(name); }
+
+std::optional<String> Arguments::text(const char16_t* name) const {
+    if (!has(name)) {
+        return std::nullopt;
+    }
+    const Reference<Element> option = parser_.getOption(name);
+    String text;
+    for (int i = 0; i < option->getValueCount(); ++i) {
+        text.append(i > 0 ? u"," : u"").append(option->getValueString(i));
+    }
+    return text;
+}
+
+String Arguments::requiredText(const char16_t* name) const {
+    const std::optional<String> value = text(name);
+    if (!value) {
+        throw UsageError();
+    }
+    return *value;
+}
+
+std::optional<int> Arguments::count(const char16_t* name) const {
+    if (!has(name)) {
+        return std::nullopt;
+    }
+    try {
+        const int value = parser_.getValueLong(name, 0);
+        if (value >= 0) {
+            return value;
+        }
+    } catch (const qv::Exception&) {
+        // no number: the usage line says what is wanted
+    }
+    throw UsageError();
+}
+
+} // namespace tool
