@@ -25,5 +25,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/qvclConfigVersion.cmake"
 install(FILES "${PROJECT_BINARY_DIR}/qvclConfig.cmake" "${PROJECT_BINARY_DIR}/qvclConfigVersion.cmake"
   DESTINATION ${package_dir})
 
+# The tree may be installed anywhere: the file finds it from its own place.
+file(RELATIVE_PATH relative_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/qvcl.pc.in" "${PROJECT_BINARY_DIR}/qvcl.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/qvcl.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

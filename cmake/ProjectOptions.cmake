@@ -44,6 +44,7 @@ function(qvcl_library target windows_name)
   if(WIN32)
     set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${windows_name})
   else()
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
     # A call inside the module binds inside the module.
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions -Wl,--no-undefined)

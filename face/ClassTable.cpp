@@ -42,13 +42,18 @@ namespace qv::face {
 namespace {
 
 /// A factory: makes an object with fixed arguments.
-template <class T, auto... arguments> Object* make() { return new T(arguments...); }
+template <class T, auto... arguments>
+Object* make() {
+    return new T(arguments...);
+}
 
-template <class T> constexpr ClassRow abstract(const char16_t* name) {
+template <class T>
+constexpr ClassRow abstract(const char16_t* name) {
     return {name, &typeid(T), nullptr};
 }
 
-template <class T, auto... arguments> constexpr ClassRow concrete(const char16_t* name) {
+template <class T, auto... arguments>
+constexpr ClassRow concrete(const char16_t* name) {
     return {name, &typeid(T), &make<T, arguments...>};
 }
 

@@ -11,8 +11,8 @@ struct ClassRow {
     Class::Factory factory;
 };
 
-/// The classes that library start registers, in order, ended by a row without a type. Where a name stands
-/// twice, the first row counts.
+/// The classes that library start registers, in order, ended by a row without a type. Where a name
+/// stands twice, the first row counts.
 extern const ClassRow classTable[];
 
 } // namespace qv::face

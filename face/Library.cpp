@@ -20,10 +20,18 @@ namespace {
 constinit int useCount = 0;
 [[maybe_unused]] constinit void* moduleInstance = nullptr;
 
-/// A fork waits for whoever holds the lock, so that the child never inherits it from a thread that it
-/// does not have.
-void lockForFork() { g_pGlobalLock->wait(); }
-void unlockAfterFork() { g_pGlobalLock->signal(); }
+/// A fork waits for whoever holds the lock, so that the child never inherits it from a thread that
+/// it does not have. Behind library end there is no lock, and nothing to wait for.
+void lockForFork() {
+    if (g_pGlobalLock != nullptr) {
+        g_pGlobalLock->wait();
+    }
+}
+void unlockAfterFork() {
+    if (g_pGlobalLock != nullptr) {
+        g_pGlobalLock->signal();
+    }
+}
 
 void registerClasses() {
     ClassManagerBase* const manager = ClassManager::getInstance();
@@ -69,7 +77,6 @@ std::int32_t endLibrary() noexcept {
         freeEncodingNames();
         text::charset::CodecManager::freeInstance();
         ClassManager::freeInstance();
-        throwIfFailed(QVModuleOnFork(nullptr, nullptr));
         delete std::exchange(g_pGlobalLock, nullptr);
     });
 }

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// The life of the library: what happens when the module is loaded and unloaded. Only the system's load
-/// notification calls these, under the loader's exclusion.
+/// The life of the library: what happens when the module is loaded and unloaded. Only the system's
+/// load notification calls these, under the loader's exclusion.
 namespace qv::face {
 
 /// Why the system calls the entry routine.

@@ -14,7 +14,8 @@ public:
     AnsiBytes& operator=(const AnsiBytes&) = delete;
     ~AnsiBytes() noexcept override;
 
-    /// True for the same name, where only the case of ASCII letters may differ; null equals null alone.
+    /// True for the same name, where only the case of ASCII letters may differ; null equals null
+    /// alone.
     bool encodingEquals(const char16_t* encoding) const noexcept;
 
 private:

@@ -8,8 +8,8 @@ namespace qv {
 
 class ClassManagerBase;
 
-/// The run-time record of a class: its registered name, its language type and, where instances can be
-/// made from the name alone, its factory.
+/// The run-time record of a class: its registered name, its language type and, where instances can
+/// be made from the name alone, its factory.
 ///
 /// Records are made by the class manager and live until the library ends.
 /// Thread safety: immutable.

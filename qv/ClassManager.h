@@ -26,7 +26,8 @@ public:
     void forEach(void (*visit)(const Class& record, void* context), void* context) const;
 
 private:
-    template <class, sync::LockObject**> friend class util::Singleton;
+    template <class, sync::LockObject**>
+    friend class util::Singleton;
     struct Maps;
 
     ClassManagerBase();

@@ -12,16 +12,16 @@ class Module;
 
 /// Root of all classes: counting and interface lookup.
 ///
-/// Life of a counted object: it is made with count 0; the first AddRef, normally by a Reference, makes
-/// it 1; the Release that reaches 0 deletes it. Whoever makes an object on the heap owes it that first
-/// AddRef. An object on the stack or held by value is never counted and must not be given to anything
-/// that releases it to 0.
+/// Life of a counted object: it is made with count 0; the first AddRef, normally by a Reference,
+/// makes it 1; the Release that reaches 0 deletes it. Whoever makes an object on the heap owes it
+/// that first AddRef. An object on the stack or held by value is never counted and must not be
+/// given to anything that releases it to 0.
 ///
-/// An object may belong to a module. SetComModule is called before the first AddRef, or the module's
-/// lock count goes down without ever having gone up.
+/// An object may belong to a module. SetComModule is called before the first AddRef, or the
+/// module's lock count goes down without ever having gone up.
 ///
-/// Thread safety: AddRef, Release and QueryInterface are internally locked; the rest is one thread at
-/// a time.
+/// Thread safety: AddRef, Release and QueryInterface are internally locked; the rest is one thread
+/// at a time.
 class QV_API ComObject : public IQVUnknown {
 public:
     ComObject() noexcept = default;
@@ -46,8 +46,8 @@ public:
     static const qvcom::InterfaceData* GetComIntfMap() noexcept;
 
 protected:
-    /// Count without touching the module or the object's life: for code that holds an object up while
-    /// it is made or torn down. @return the new count.
+    /// Count without touching the module or the object's life: for code that holds an object up
+    /// while it is made or torn down. @return the new count.
     std::uint32_t InternalAddRef() const noexcept;
     std::uint32_t InternalRelease() const noexcept;
 

@@ -4,8 +4,8 @@
 
 namespace qv {
 
-/// Base of the few classes whose values are copied: the count and the module of an object never travel
-/// with its value.
+/// Base of the few classes whose values are copied: the count and the module of an object never
+/// travel with its value.
 class QV_API CopyObject : public Object {
 public:
     CopyObject(const CopyObject&) noexcept : Object() {}

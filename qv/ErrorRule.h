@@ -5,8 +5,8 @@
 
 #include <utility>
 
-/// The two translations between the faces: an exception becomes a result where the component face ends,
-/// and a result becomes an exception where native code has called a component.
+/// The two translations between the faces: an exception becomes a result where the component face
+/// ends, and a result becomes an exception where native code has called a component.
 namespace qv {
 
 class String;
@@ -17,7 +17,8 @@ class String;
 
 /// Runs `work` and gives its result: 0, or that of what it threw. Outputs that were set before the
 /// failure stay as they are.
-template <class Work> [[nodiscard]] std::int32_t toResult(Work&& work) noexcept {
+template <class Work>
+[[nodiscard]] std::int32_t toResult(Work&& work) noexcept {
     try {
         std::forward<Work>(work)();
         return QV_S_OK;

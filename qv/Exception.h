@@ -20,7 +20,8 @@ public:
     // Slot order is contract from here on.
 
     virtual String getDescription() const;
-    /// The result that this exception becomes on a component face: QV_E_FAIL unless a class says more.
+    /// The result that this exception becomes on a component face: QV_E_FAIL unless a class says
+    /// more.
     virtual std::int32_t getResult() const;
 
 private:

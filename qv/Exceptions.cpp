@@ -23,8 +23,7 @@ std::int32_t ResultException::getResult() const { return result_; }
 
 OutOfMemoryException::OutOfMemoryException() = default;
 OutOfMemoryException::OutOfMemoryException(const OutOfMemoryException& other) = default;
-OutOfMemoryException&
-OutOfMemoryException::operator=(const OutOfMemoryException& other) = default;
+OutOfMemoryException& OutOfMemoryException::operator=(const OutOfMemoryException& other) = default;
 
 std::int32_t OutOfMemoryException::getResult() const { return QV_E_OUTOFMEMORY; }
 

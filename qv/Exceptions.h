@@ -7,12 +7,12 @@
 
 struct _EXCEPTION_POINTERS;
 
-/// The exception tree below qv::Exception. A class says what went wrong; the constructors are those of
-/// its base: none of them has a message of its own.
+/// The exception tree below qv::Exception. A class says what went wrong; the constructors are those
+/// of its base: none of them has a message of its own.
 namespace qv {
 
-/// Memory ran out. Satisfies a handler for qv::Exception and one for std::bad_alloc. The library itself
-/// lets std::bad_alloc pass; this class is for code that wants one tree.
+/// Memory ran out. Satisfies a handler for qv::Exception and one for std::bad_alloc. The library
+/// itself lets std::bad_alloc pass; this class is for code that wants one tree.
 class QV_API OutOfMemoryException : public Exception, public std::bad_alloc {
 public:
     OutOfMemoryException();
@@ -72,8 +72,8 @@ public:
     using Exception::Exception;
 };
 
-/// A fault of the processor, for hosts that turn such faults into exceptions of this tree. The library
-/// itself neither throws one nor translates faults.
+/// A fault of the processor, for hosts that turn such faults into exceptions of this tree. The
+/// library itself neither throws one nor translates faults.
 class QV_API ExternalException : public Exception {
 public:
     /// Borrows: `fault`, the system's record of it.
@@ -118,7 +118,8 @@ public:
     using IoException::IoException;
 };
 
-/// The stream ended inside a value of fixed width. Kept: not an IoException; callers tell the two apart.
+/// The stream ended inside a value of fixed width. Kept: not an IoException; callers tell the two
+/// apart.
 class QV_API UnexpectedEOFException : public Exception {
 public:
     using Exception::Exception;

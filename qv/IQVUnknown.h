@@ -26,7 +26,8 @@ inline constexpr GUID IID_IQVUnknown{
 class IQVUnknown {
 public:
     /// Stores the interface `iid` of this object in `*out`, counted for the caller.
-    /// @return 0; QV_E_POINTER for a null `out`; QV_E_NOINTERFACE, with null stored, for an interface
+    /// @return 0; QV_E_POINTER for a null `out`; QV_E_NOINTERFACE, with null stored, for an
+    /// interface
     ///     that the object does not answer.
     virtual std::int32_t QueryInterface(const GUID& iid, void** out) = 0;
     /// Takes a reference. @return the new count.

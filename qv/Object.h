@@ -35,7 +35,8 @@ public:
     /// True only for the same object, unless a class has a better meaning.
     virtual bool equals(const Object& other) const;
     /// The record of the object's dynamic type. Borrows: records live as long as the library.
-    /// @throws ClassNotFoundException, with the type's printable name, for a type that has no record.
+    /// @throws ClassNotFoundException, with the type's printable name, for a type that has no
+    /// record.
     virtual const Class* getClass() const;
     /// The low 32 bits of the address, unless a class has a better one.
     virtual std::uint32_t hashCode() const;

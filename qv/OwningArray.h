@@ -5,7 +5,8 @@
 namespace qv {
 
 /// Holds an array made by `new[]` and frees it at its end. May be null.
-template <class T> class OwningArray {
+template <class T>
+class OwningArray {
 public:
     OwningArray() noexcept = default;
     /// Owns: `array`.

@@ -6,11 +6,12 @@
 
 namespace qv {
 
-/// Owning pointer to a counted object: the usual way to hold one, and the usual result of a factory.
-/// It is one pointer, and may be null.
+/// Owning pointer to a counted object: the usual way to hold one, and the usual result of a
+/// factory. It is one pointer, and may be null.
 ///
 /// Thread safety: one thread at a time; the object's count is safe from any thread.
-template <class T> class Reference {
+template <class T>
+class Reference {
 public:
     Reference() noexcept = default;
     Reference(std::nullptr_t) noexcept {}
@@ -19,8 +20,8 @@ public:
     Reference(const Reference& other) noexcept : Reference(other.object_) {}
     Reference(Reference&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     template <class U>
-        requires std::convertible_to<U*, T*>
-    Reference(const Reference<U>& other) noexcept : Reference(static_cast<T*>(other.get())) {}
+    requires std::convertible_to<U*, T*> Reference(const Reference<U>& other)
+    noexcept : Reference(static_cast<T*>(other.get())) {}
 
     ~Reference() {
         if (object_ != nullptr) {
@@ -60,16 +61,18 @@ private:
     T* object_ = nullptr;
 };
 
-/// The holder in the value position of a container that copies its values: a copy is another reference
-/// to the same object, never a clone.
-template <class T> class CopyReference : public Reference<T> {
+/// The holder in the value position of a container that copies its values: a copy is another
+/// reference to the same object, never a clone.
+template <class T>
+class CopyReference : public Reference<T> {
 public:
     using Reference<T>::Reference;
     using Reference<T>::operator=;
 };
 
 /// Makes an object on the heap and holds it.
-template <class T, class... Arguments> Reference<T> make(Arguments&&... arguments) {
+template <class T, class... Arguments>
+Reference<T> make(Arguments&&... arguments) {
     return Reference<T>(new T(std::forward<Arguments>(arguments)...));
 }
 

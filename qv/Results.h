@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// The library's result values: signed 32-bit numbers, 0 for success, negative on failure. Where the
-/// system has a value for a failure, it is that value, on every system.
+/// The library's result values: signed 32-bit numbers, 0 for success, negative on failure. Where
+/// the system has a value for a failure, it is that value, on every system.
 namespace qv {
 
 namespace detail {

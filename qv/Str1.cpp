@@ -24,7 +24,8 @@ int measured(const char16_t* text, int length) {
     return length >= 0 ? length : text == nullptr ? 0 : QVStrLenW_32(text);
 }
 
-/// `length` plus `more` as a size to ask for. A sum beyond what a store can have is one that it refuses.
+/// `length` plus `more` as a size to ask for. A sum beyond what a store can have is one that it
+/// refuses.
 unsigned int sum(int length, int more) {
     return static_cast<unsigned int>(length) + static_cast<unsigned int>(more);
 }
@@ -315,7 +316,8 @@ std::int32_t Str1::convertToA(char* out, int size, CharToByteConverter& encoder,
 namespace {
 
 /// Runs `work` with the encoder of a name. @return its result, or that of what was thrown.
-template <class Work> std::int32_t withEncoder(const char16_t* encoding, Work work) {
+template <class Work>
+std::int32_t withEncoder(const char16_t* encoding, Work work) {
     std::int32_t result = QV_S_OK;
     const std::int32_t failure = toResult([&] {
         const Reference<CharToByteConverter> encoder(CharToByteConverter::getConverter(encoding));

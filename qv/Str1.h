@@ -10,13 +10,14 @@ namespace text::charset {
 class CharToByteConverter;
 }
 
-/// The light string for hot paths inside one thread: a view (offset and length) into a shared store of
-/// UTF-16 units. It is no object, has no terminator, and can live in storage of the caller's without
-/// touching the heap.
+/// The light string for hot paths inside one thread: a view (offset and length) into a shared store
+/// of UTF-16 units. It is no object, has no terminator, and can live in storage of the caller's
+/// without touching the heap.
 ///
-/// Copies and substrings share the store; a write copies what others share. Lengths and positions count
-/// units; a text length of -1 means up to the terminator. All that needs room throws std::bad_alloc, also
-/// beyond StrBuf1::greatestCapacity units. Narrow conversions return results: 0, or a failure.
+/// Copies and substrings share the store; a write copies what others share. Lengths and positions
+/// count units; a text length of -1 means up to the terminator. All that needs room throws
+/// std::bad_alloc, also beyond StrBuf1::greatestCapacity units. Narrow conversions return results:
+/// 0, or a failure.
 ///
 /// Thread safety: one thread at a time, everything that shares a store included.
 class QV_API Str1 {
@@ -48,8 +49,8 @@ public:
 
     Str1& append(const char16_t* text, int length = -1);
     Str1& append(char16_t unit, int count = 1);
-    /// Appends `count` units (-1: the rest) from `start` on. A string without a store becomes a view of
-    /// the other's instead, without copying.
+    /// Appends `count` units (-1: the rest) from `start` on. A string without a store becomes a
+    /// view of the other's instead, without copying.
     Str1& append(const Str1& text, int count = -1, int start = 0);
     Str1& append(const String& text);
     Str1& operator+=(const char16_t* text) { return append(text); }
@@ -57,7 +58,8 @@ public:
     Str1& operator+=(const Str1& text) { return append(text); }
     Str1& operator+=(const String& text) { return append(text); }
     /// Decodes behind the text; what was decoded before a failure stays.
-    /// @return 0; QV_E_FAIL for bytes that complete no character; the result of the decoder's exception.
+    /// @return 0; QV_E_FAIL for bytes that complete no character; the result of the decoder's
+    /// exception.
     std::int32_t appendA(const signed char* bytes, int length, const char16_t* encoding = nullptr);
 
     /// Length 0; the store stays.
@@ -96,9 +98,10 @@ public:
 
     /// Stores the size of the narrow form from `start` on, without a terminator.
     std::int32_t getLengthA(int* bytes, const char16_t* encoding = nullptr, int start = 0) const;
-    /// Writes the narrow form and a terminating 0 byte. `*written` counts the bytes before it; `*position`
-    /// is where to begin and then where it ended. Both may be null.
-    /// @return 0; QV_E_INVALIDARG for no room at all; QV_E_BUFFERTOOSMALL for a text that was cut, which
+    /// Writes the narrow form and a terminating 0 byte. `*written` counts the bytes before it;
+    /// `*position` is where to begin and then where it ended. Both may be null.
+    /// @return 0; QV_E_INVALIDARG for no room at all; QV_E_BUFFERTOOSMALL for a text that was cut,
+    /// which
     ///     then has no terminator; the result of the encoder's exception.
     std::int32_t convertToAZ(char* out, int size, const char16_t* encoding = nullptr,
                              int* written = nullptr, int* position = nullptr) const;
@@ -109,8 +112,8 @@ protected:
     /// A store that is at hand for `capacity` units, or null.
     virtual StrBuf1* fastAllocBuffer(unsigned int capacity);
 
-    /// Makes the store writable and at least `needed` units long, and keeps the units of this view from
-    /// `keepStart` up to `keepEnd` (-1: the length), at its start.
+    /// Makes the store writable and at least `needed` units long, and keeps the units of this view
+    /// from `keepStart` up to `keepEnd` (-1: the length), at its start.
     /// @return the room counted from the offset.
     int ensureCapacity1(unsigned int needed, int keepStart, int keepEnd);
     std::int32_t convertToA(char* out, int size, text::charset::CharToByteConverter& encoder,
@@ -131,10 +134,12 @@ private:
 
 /// Helper for a fast run of appends to one string: it asks for room once and for many.
 ///
-/// Borrows: the string, which must not be changed by other means meanwhile, unless `resync` follows.
+/// Borrows: the string, which must not be changed by other means meanwhile, unless `resync`
+/// follows.
 class QV_API Str1::Appendor {
 public:
-    /// `first` and `further` are the units to reserve ahead at the first and at each further growth.
+    /// `first` and `further` are the units to reserve ahead at the first and at each further
+    /// growth.
     Appendor(Str1& target, int first, int further) noexcept;
 
     /// As `fastAppend`; with no units it only reserves.
@@ -181,9 +186,8 @@ private:
     StrBuf1Static store_;
 };
 
-/// Base of the light strings with a store inside the object. A text that moved to the heap comes home
-/// when a later one fits.
-/// Requires: strings that share the inner store end before it.
+/// Base of the light strings with a store inside the object. A text that moved to the heap comes
+/// home when a later one fits. Requires: strings that share the inner store end before it.
 class QV_API Str1Embedded : public Str1 {
 protected:
     explicit Str1Embedded(StrBuf1& embedded) noexcept : embedded_(&embedded) {}
@@ -209,7 +213,8 @@ private:
 };
 
 /// A light string with `N` units of its own: it touches the heap only for longer texts.
-template <unsigned int N> class Str1Fixed : public Str1Embedded {
+template <unsigned int N>
+class Str1Fixed : public Str1Embedded {
 public:
     Str1Fixed() noexcept : Str1Embedded(store_) {
         store_.initStaticInstance(0);

@@ -12,20 +12,21 @@ namespace qv {
 
 /// The hash map on light strings, for tables of names.
 ///
-/// A chained table: it grows to `capacity * 2 + 1` when a new key meets a size at the threshold, and puts
-/// new entries at the front of their chain. Keys share the store of the string given, unless that store
-/// lies inside another object: then they are copied.
+/// A chained table: it grows to `capacity * 2 + 1` when a new key meets a size at the threshold,
+/// and puts new entries at the front of their chain. Keys share the store of the string given,
+/// unless that store lies inside another object: then they are copied.
 ///
 /// Thread safety: one thread at a time, also for reading: a look-up counts on the key's store.
-template <class V> class QV_API_TEMPLATE Str1HashMap {
+template <class V>
+class QV_API_TEMPLATE Str1HashMap {
     struct Entry;
 
 public:
     static constexpr int DEFAULT_CAPACITY = 101;
     static constexpr float DEFAULT_LOAD = 0.75f;
 
-    /// Walks the buckets from the first to the last and each chain from its head. Kept: changes of the map
-    /// meanwhile are not detected.
+    /// Walks the buckets from the first to the last and each chain from its head. Kept: changes of
+    /// the map meanwhile are not detected.
     class KeyValueIterator {
         friend class Str1HashMap;
         int bucket_ = 0;
@@ -77,7 +78,8 @@ public:
     /// Removes a key; its value is copied to `*old`, where `old` is not null.
     virtual void remove(const Str1& key, V* old = nullptr) {
         const Lookup lookup(*this, key);
-        for (Chain* link = &table_[bucketOf(lookup.hash)]; *link != nullptr; link = &(*link)->next) {
+        for (Chain* link = &table_[bucketOf(lookup.hash)]; *link != nullptr;
+             link = &(*link)->next) {
             if ((*link)->matches(lookup)) {
                 if (old != nullptr) {
                     *old = (*link)->value;
@@ -217,7 +219,8 @@ private:
 };
 
 /// The map with case-blind keys: it knows them by their lower-case form.
-template <class V> class QV_API_TEMPLATE Str1HashMapLC : public Str1HashMap<V> {
+template <class V>
+class QV_API_TEMPLATE Str1HashMapLC : public Str1HashMap<V> {
 public:
     using Str1HashMap<V>::Str1HashMap;
 

@@ -50,9 +50,9 @@ StrBuf1* StrBuf1::newStrBuf1Cap(unsigned int capacity) {
     }
     const unsigned int rounded = normalizeCapacity(capacity);
     void* const memory =
-        ::operator new(sizeof(StrBuf1Wrap) + std::size_t{rounded} * sizeof(char16_t));
-    auto* const units = reinterpret_cast<char16_t*>(static_cast<std::byte*>(memory) +
-                                                    sizeof(StrBuf1Wrap));
+        ::operator new (sizeof(StrBuf1Wrap) + std::size_t{rounded} * sizeof(char16_t));
+    auto* const units =
+        reinterpret_cast<char16_t*>(static_cast<std::byte*>(memory) + sizeof(StrBuf1Wrap));
     return new (memory) StrBuf1Wrap(units, rounded);
 }
 

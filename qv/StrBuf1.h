@@ -9,8 +9,8 @@ namespace qv {
 
 /// The character store of light strings: units, and a count that is a plain integer, for speed.
 ///
-/// A static instance stands in inline or static storage and holds one reference of its own, which keeps
-/// it from ever being deleted. Requires: strings that share one end before its storage does.
+/// A static instance stands in inline or static storage and holds one reference of its own, which
+/// keeps it from ever being deleted. Requires: strings that share one end before its storage does.
 ///
 /// Thread safety: one thread at a time, everything that shares a store included.
 class QV_API StrBuf1 {
@@ -27,8 +27,8 @@ public:
     virtual void AddRef() noexcept;
     /// The last reference deletes the store.
     virtual void Release() noexcept;
-    /// The capacity if the caller may write in place, otherwise 0. `embedded` is not 0 where the caller
-    /// asks about a store that is not its current one.
+    /// The capacity if the caller may write in place, otherwise 0. `embedded` is not 0 where the
+    /// caller asks about a store that is not its current one.
     virtual unsigned int isPrivatelyHeld(short embedded) const noexcept;
     virtual unsigned int getBufCapacity() const noexcept;
 
@@ -36,8 +36,8 @@ public:
 
     char16_t* getData() const noexcept { return data_; }
     std::uint32_t getRefCount() const noexcept { return count_; }
-    /// Marks a store in inline or static storage, with a reference of its own. One that is never shared
-    /// counts as privately held whatever its count.
+    /// Marks a store in inline or static storage, with a reference of its own. One that is never
+    /// shared counts as privately held whatever its count.
     void initStaticInstance(short neverShared) noexcept;
     bool isStaticInstance() const noexcept { return (capacityAndFlags_ & staticBit) != 0; }
 
@@ -92,7 +92,8 @@ public:
 };
 
 /// A store with `N` units of its own.
-template <unsigned int N> class StrBuf1Fixed : public StrBuf1Wrap {
+template <unsigned int N>
+class StrBuf1Fixed : public StrBuf1Wrap {
 public:
     StrBuf1Fixed() noexcept : StrBuf1Wrap(units_, N) {}
 

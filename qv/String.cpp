@@ -15,17 +15,21 @@ namespace {
 
 constexpr char16_t emptyText[] = u"";
 
-/// The buffer of all empty strings, made by the library's static constructors and kept for the life of
-/// the process, so that a string in any later static destructor still finds it.
+/// The buffer of all empty strings, made by the library's static constructors and kept for the life
+/// of the process, so that a string in any later static destructor still finds it.
 util::ROCharBuffer* sharedEmpty = nullptr;
 
+/// Its storage is no object of static duration: nothing destroys it.
+alignas(util::ROCharBuffer) std::byte sharedEmptyStorage[sizeof(util::ROCharBuffer)];
+
 [[maybe_unused]] const bool sharedEmptyMade = [] {
-    sharedEmpty = new util::ROCharBuffer(emptyText, 1);
+    sharedEmpty = new (sharedEmptyStorage) util::ROCharBuffer(emptyText, 1);
     sharedEmpty->AddRef();
     return true;
 }();
 
-/// The empty buffer, counted for the caller. Static constructors that run earlier get one of their own.
+/// The empty buffer, counted for the caller. Static constructors that run earlier get one of their
+/// own.
 IQVCharBuffer* takeEmptyBuffer() {
     IQVCharBuffer* const buffer =
         sharedEmpty != nullptr ? sharedEmpty : new util::ROCharBuffer(emptyText, 1);
@@ -33,7 +37,8 @@ IQVCharBuffer* takeEmptyBuffer() {
     return buffer;
 }
 
-template <class Buffer> IQVCharBuffer* counted(Buffer* buffer) {
+template <class Buffer>
+IQVCharBuffer* counted(Buffer* buffer) {
     buffer->AddRef();
     return buffer;
 }
@@ -68,7 +73,9 @@ IQVCharBuffer* takeWrapped(const char16_t* text, int length) {
     return counted(new util::ROCharBuffer(text, withTerminator(length)));
 }
 
-IQVCharBuffer* asCharBuffer(util::ICharBuffer* source) { return static_cast<IQVCharBuffer*>(source); }
+IQVCharBuffer* asCharBuffer(util::ICharBuffer* source) {
+    return static_cast<IQVCharBuffer*>(source);
+}
 
 /// A range of a text, with its ends cut to what there is.
 struct Range {
@@ -88,8 +95,7 @@ String::String(const String& other) : util::AbstractCharBuffer(), buffer_(other.
     buffer_->AddRef();
 }
 
-String::String(String&& other) noexcept
-    : buffer_(std::exchange(other.buffer_, takeEmptyBuffer())) {
+String::String(String&& other) noexcept : buffer_(std::exchange(other.buffer_, takeEmptyBuffer())) {
     other.dropNarrowCache();
 }
 
@@ -115,7 +121,8 @@ String::String(const signed char* bytes, int length, const char16_t* encoding, i
     internalSetTo(reinterpret_cast<const char*>(bytes), length, encoding, capacity);
 }
 
-String::String(AcquireMode mode, const String& source, int start, int end, int capacity) : String() {
+String::String(AcquireMode mode, const String& source, int start, int end, int capacity)
+    : String() {
     if (mode == ACQUIRE_SHARE) {
         setAddRef(source);
         return;
@@ -366,8 +373,8 @@ void String::copyOnWrite(int minCapacity) {
     IQVCharBuffer* separate = nullptr;
     {
         const util::BufferReadLock<char16_t> lock(*buffer_);
-        separate = counted(
-            new util::RWCharBuffer(lock.getData(), buffer_->GetLength(), minCapacity));
+        separate =
+            counted(new util::RWCharBuffer(lock.getData(), buffer_->GetLength(), minCapacity));
     }
     adopt(separate);
     dropNarrowCache();

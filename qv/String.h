@@ -12,20 +12,20 @@
 
 namespace qv {
 
-/// A text of UTF-16 units, used by value everywhere, and a character buffer at the same time: it can be
-/// handed to any operation that fills or reads an IQVCharBuffer.
+/// A text of UTF-16 units, used by value everywhere, and a character buffer at the same time: it
+/// can be handed to any operation that fills or reads an IQVCharBuffer.
 ///
 /// Sharing: the characters live in a counted inner buffer. Copy construction and returning by value
-/// share it; the first write by any sharer separates that sharer. Assignment copies the characters into
-/// this string (`setAddRef` is the way to share by assignment). Literals and wrapped texts are read where
-/// they stand, until a write copies them. Empty strings cost no allocation.
+/// share it; the first write by any sharer separates that sharer. Assignment copies the characters
+/// into this string (`setAddRef` is the way to share by assignment). Literals and wrapped texts are
+/// read where they stand, until a write copies them. Empty strings cost no allocation.
 ///
-/// The inner buffer is 0-terminated and its length counts the terminator. Positions and lengths count
-/// units; -1 as a length means up to the terminator, -1 as a position the end, -1 as a count all the
-/// rest. A text argument must not point into this string's own storage.
+/// The inner buffer is 0-terminated and its length counts the terminator. Positions and lengths
+/// count units; -1 as a length means up to the terminator, -1 as a position the end, -1 as a count
+/// all the rest. A text argument must not point into this string's own storage.
 ///
-/// Every operation that writes throws std::bad_alloc when memory runs out, and ResultException with the
-/// inner buffer's result where that refuses.
+/// Every operation that writes throws std::bad_alloc when memory runs out, and ResultException with
+/// the inner buffer's result where that refuses.
 ///
 /// Thread safety: one thread at a time. Strings that share an inner buffer may be used by several
 /// threads.
@@ -63,8 +63,8 @@ public:
     String(AcquireMode mode, const String& source, int start, int end = -1, int capacity = 0);
     String(AcquireMode mode, util::ICharBuffer* source);
     String(AcquireMode mode, const char16_t* text, int length = -1, int capacity = 0);
-    /// The system's own wide text: UTF-16 where its unit has 16 bits, otherwise UTF-32, of which what is
-    /// no character becomes U+FFFD.
+    /// The system's own wide text: UTF-16 where its unit has 16 bits, otherwise UTF-32, of which
+    /// what is no character becomes U+FFFD.
     explicit String(const wchar_t* text, int length = -1);
     ~String() noexcept override;
 
@@ -87,8 +87,8 @@ public:
     void releaseWriteLock(int length) override;
     void freeExtra() override;
 
-    // The component face: a filter over the inner buffer. EnsureCapacity does not separate: it is for use
-    // under a write lock.
+    // The component face: a filter over the inner buffer. EnsureCapacity does not separate: it is
+    // for use under a write lock.
     int GetLength() const noexcept override;
     const char16_t* GetData() const noexcept override;
     std::int32_t GetReadLock(const char16_t** data) const noexcept override;
@@ -110,8 +110,8 @@ public:
     String& operator=(const char* bytes);
 
     /// Shares the other's inner buffer.
-    /// Kept: the narrow form made last stays until the next write, here and where `setTo` wraps a text;
-    /// callers rely on its pointer.
+    /// Kept: the narrow form made last stays until the next write, here and where `setTo` wraps a
+    /// text; callers rely on its pointer.
     String& setAddRef(const String& other);
     String& setTo(const char16_t* text, int length = -1);
     String& setTo(char16_t unit, int count);
@@ -162,15 +162,16 @@ public:
 
     /// Trims blanks, tabs, carriage returns and line feeds.
     void trim(TrimType type = TRIM_BOTH);
-    /// Trims the units of a set. Kept: the set ends at its terminator; `length` does not shorten it.
+    /// Trims the units of a set. Kept: the set ends at its terminator; `length` does not shorten
+    /// it.
     void trim(const char16_t* set, int length, TrimType type);
     void trim(const String& set, TrimType type);
     void trim(char16_t unit, TrimType type);
 
     // --- Comparison and search ---
 
-    /// Negative, 0 or positive by unit order, then by length. Not reduced to a sign: texts that differ
-    /// in length alone give the difference.
+    /// Negative, 0 or positive by unit order, then by length. Not reduced to a sign: texts that
+    /// differ in length alone give the difference.
     int compare(const String& text, bool ignoreCase = false) const;
     int compare(const char16_t* text, int length = -1, bool ignoreCase = false) const;
     bool equals(const String& text, bool ignoreCase = false) const;
@@ -202,17 +203,19 @@ public:
                     bool ignoreCase = false) const;
     int lastIndexOf(char16_t unit, int from = -1, bool ignoreCase = false) const;
 
-    /// First index at or after `from` whose unit is in the set, or -1. An empty set finds nothing, here
-    /// and in the three below. Kept: that holds for the Not forms too.
+    /// First index at or after `from` whose unit is in the set, or -1. An empty set finds nothing,
+    /// here and in the three below. Kept: that holds for the Not forms too.
     int findFirstOf(const String& set, int from = 0, bool ignoreCase = false) const;
-    int findFirstOf(const char16_t* set, int length = -1, int from = 0, bool ignoreCase = false) const;
+    int findFirstOf(const char16_t* set, int length = -1, int from = 0,
+                    bool ignoreCase = false) const;
     int findFirstNotOf(const String& set, int from = 0, bool ignoreCase = false) const;
     int findFirstNotOf(const char16_t* set, int length = -1, int from = 0,
                        bool ignoreCase = false) const;
     int findFirstOfCase(const String& set, int from = 0) const;
     int findFirstOfCase(const char16_t* set, int length = -1, int from = 0) const;
     int findLastOf(const String& set, int from = -1, bool ignoreCase = false) const;
-    int findLastOf(const char16_t* set, int length = -1, int from = -1, bool ignoreCase = false) const;
+    int findLastOf(const char16_t* set, int length = -1, int from = -1,
+                   bool ignoreCase = false) const;
     int findLastNotOf(const String& set, int from = -1, bool ignoreCase = false) const;
     int findLastNotOf(const char16_t* set, int length = -1, int from = -1,
                       bool ignoreCase = false) const;
@@ -222,8 +225,8 @@ public:
 
     // --- Narrow text; a null encoding is the default encoding ---
 
-    /// The 0-terminated narrow form, held by this string until its next write or a call with another
-    /// encoding. The terminator is as wide as the encoding's widest character.
+    /// The 0-terminated narrow form, held by this string until its next write or a call with
+    /// another encoding. The terminator is as wide as the encoding's widest character.
     /// @throws text::charset::UnknownEncodingException, as all of these.
     const char* getBytes(const char16_t* encoding = nullptr) const;
     const char* getBytes(std::nullptr_t) const { return getBytes(); }
@@ -245,25 +248,24 @@ public:
 
     /// The units as the system's own wide text, on systems whose unit has 16 bits.
     template <class Wide = wchar_t>
-        requires(sizeof(Wide) == sizeof(char16_t))
-    const Wide* getWideData() const {
+    requires(sizeof(Wide) == sizeof(char16_t)) const Wide* getWideData() const {
         return reinterpret_cast<const Wide*>(getData());
     }
 
     // --- Formatting ---
 
-    /// Fills this string from a pattern whose placeholders are "{0}", "{1}" and so on, without a gap: the
-    /// scan ends at the first index that does not occur. An argument is a 0-terminated text and is never
-    /// expanded itself; a placeholder without an argument stays as it stands.
+    /// Fills this string from a pattern whose placeholders are "{0}", "{1}" and so on, without a
+    /// gap: the scan ends at the first index that does not occur. An argument is a 0-terminated
+    /// text and is never expanded itself; a placeholder without an argument stays as it stands.
     template <class... Arguments>
-        requires(std::convertible_to<const Arguments&, const char16_t*> && ...)
-    const String& format(const char16_t* pattern, int length, const Arguments&... arguments) {
+    requires(std::convertible_to<const Arguments&, const char16_t*>&&...) const String& format(
+        const char16_t* pattern, int length, const Arguments&... arguments) {
         const std::array<const char16_t*, sizeof...(Arguments)> texts{arguments...};
         return formatTexts(pattern, length, texts.data(), static_cast<int>(texts.size()));
     }
     template <class... Arguments>
-        requires(std::convertible_to<const Arguments&, const char16_t*> && ...)
-    const String& format(String pattern, const Arguments&... arguments) {
+    requires(std::convertible_to<const Arguments&, const char16_t*>&&...) const String& format(
+        String pattern, const Arguments&... arguments) {
         return format(pattern.getData(), pattern.getLength(), arguments...);
     }
     /// The same with the system's variable argument list of `const char16_t*`.
@@ -271,8 +273,8 @@ public:
     const String& formatv(const char16_t* pattern, int length, va_list arguments);
     const String& formatv(String pattern, va_list arguments);
 
-    /// The text of a value, in the form of the runtime's formats "%d", "%u", "%g" and their like. The
-    /// decimal separator of `float` and `double` is that of the process's runtime locale.
+    /// The text of a value, in the form of the runtime's formats "%d", "%u", "%g" and their like.
+    /// The decimal separator of `float` and `double` is that of the process's runtime locale.
     static String valueOf(int value);
     static String valueOf(unsigned int value);
     static String valueOf(long value);
@@ -326,7 +328,7 @@ public:
     static qv::String create(const char16_t* text, int length, int capacity);
 };
 
-/// Copies the characters of `source` into `target`, without a terminator: the common way of filling an
-/// out-parameter.
+/// Copies the characters of `source` into `target`, without a terminator: the common way of filling
+/// an out-parameter.
 /// @throws ResultException with the result of a lock that fails.
-QV_API std::int32_t QVCopyCharBuffer(IQVCharBuffer* target, IQVCharBuffer* source);
+QV_FLAT_API std::int32_t QVCopyCharBuffer(IQVCharBuffer* target, IQVCharBuffer* source);

@@ -102,7 +102,8 @@ String& String::internalSetTo(const char* bytes, int length, const char16_t* enc
         return setAddRef(String());
     }
     const Reference<ByteToCharConverter> decoder(ByteToCharConverter::getConverter(encoding));
-    const int needed = std::max(capacity, checkedProduct(decoder->getMaxCharsPerByte(), length) + 1);
+    const int needed =
+        std::max(capacity, checkedProduct(decoder->getMaxCharsPerByte(), length) + 1);
     const Reference<util::RWCharBuffer> decoded(new util::RWCharBuffer(needed));
     util::BufferWriteLock<char16_t> lock(*decoded, needed);
     std::int32_t consumed = 0;

@@ -12,7 +12,8 @@ namespace {
 
 constexpr char16_t blanks[] = u" \t\r\n";
 
-/// Units of a text that a replacement may leave: the text, its terminator and one unit more fit an `int`.
+/// Units of a text that a replacement may leave: the text, its terminator and one unit more fit an
+/// `int`.
 constexpr std::int64_t greatestLength = std::numeric_limits<int>::max() - 2;
 
 void moveUnits(char16_t* target, const char16_t* source, int count) {
@@ -92,9 +93,7 @@ String& String::operator+=(const char16_t* text) { return replace(-1, 0, text, -
 String& String::operator+=(char16_t unit) { return replace(-1, 0, unit, 1); }
 
 String& String::append(const String& text) { return replace(-1, 0, text, 0); }
-String& String::append(const char16_t* text, int length) {
-    return replace(-1, 0, text, length, 0);
-}
+String& String::append(const char16_t* text, int length) { return replace(-1, 0, text, length, 0); }
 String& String::append(char16_t unit, int count) { return replace(-1, 0, unit, count); }
 
 String& String::prepend(const String& text) { return replace(0, 0, text, 0); }
@@ -156,7 +155,8 @@ void String::translate(const char16_t* from, const char16_t* to) { translate(fro
 
 namespace {
 
-/// Trims what `trimmed` says of the `length` units, which move to the front. @return the new length.
+/// Trims what `trimmed` says of the `length` units, which move to the front. @return the new
+/// length.
 template <class Predicate>
 int trimUnits(char16_t* units, int length, String::TrimType type, Predicate trimmed) {
     int start = 0;
@@ -183,9 +183,8 @@ void String::trim(TrimType type) { trim(blanks, -1, type); }
 
 void String::trim(const char16_t* set, int, TrimType type) {
     Writer writer(*this);
-    writer.setLength(trimUnits(writer.units(), writer.length(), type, [set](char16_t unit) {
-        return QVStrChrW(set, unit) != nullptr;
-    }));
+    writer.setLength(trimUnits(writer.units(), writer.length(), type,
+                               [set](char16_t unit) { return QVStrChrW(set, unit) != nullptr; }));
 }
 
 void String::trim(const String& set, TrimType type) {

@@ -14,12 +14,10 @@ namespace {
 
 using Text = std::u16string_view;
 
-Text asText(const char16_t* text) {
-    return {text, static_cast<std::size_t>(QVStrLenW_32(text))};
-}
+Text asText(const char16_t* text) { return {text, static_cast<std::size_t>(QVStrLenW_32(text))}; }
 
-/// The pattern with each placeholder whose index is below the number of texts filled, in a new buffer
-/// counted for the caller.
+/// The pattern with each placeholder whose index is below the number of texts filled, in a new
+/// buffer counted for the caller.
 IQVCharBuffer* takeFilled(Text pattern, const std::vector<Text>& texts) {
     std::size_t length = pattern.size();
     detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
@@ -38,9 +36,9 @@ IQVCharBuffer* takeFilled(Text pattern, const std::vector<Text>& texts) {
     std::size_t copied = 0;
     detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
         if (placeholder.index < texts.size()) {
-            target = std::copy(pattern.begin() + static_cast<std::ptrdiff_t>(copied),
-                               pattern.begin() + static_cast<std::ptrdiff_t>(placeholder.start),
-                               target);
+            target =
+                std::copy(pattern.begin() + static_cast<std::ptrdiff_t>(copied),
+                          pattern.begin() + static_cast<std::ptrdiff_t>(placeholder.start), target);
             target = std::ranges::copy(texts[placeholder.index], target).out;
             copied = placeholder.end;
         }
@@ -51,7 +49,8 @@ IQVCharBuffer* takeFilled(Text pattern, const std::vector<Text>& texts) {
     return buffer;
 }
 
-template <class Value> String integerText(Value value) {
+template <class Value>
+String integerText(Value value) {
     char digits[24];
     char* const end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
     char16_t units[24];

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-/// A string constant: a record of a text in static storage and its length. A qv::String made from one
-/// neither copies nor measures the text.
+/// A string constant: a record of a text in static storage and its length. A qv::String made from
+/// one neither copies nor measures the text.
 struct STRUCT_QV_STR_LIT_INFO {
     const char16_t* text; ///< 0-terminated, in static storage
     int length;           ///< units in front of the terminator

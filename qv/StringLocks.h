@@ -8,14 +8,15 @@
 
 #include <typeinfo>
 
-/// How the string's own members reach its units. The two buffers that a string makes itself have no lock
-/// and are reached directly; every other inner buffer is reached through its lock protocol.
+/// How the string's own members reach its units. The two buffers that a string makes itself have no
+/// lock and are reached directly; every other inner buffer is reached through its lock protocol.
 namespace qv {
 
 namespace detail {
 
 /// `buffer` as a `Buffer`, if it is exactly that class and none derived from it; otherwise null.
-template <class Buffer, class Interface> Buffer* exactly(Interface* buffer) noexcept {
+template <class Buffer, class Interface>
+Buffer* exactly(Interface* buffer) noexcept {
     return &typeid(*buffer) == &typeid(Buffer) ? static_cast<Buffer*>(buffer) : nullptr;
 }
 
@@ -67,8 +68,8 @@ private:
     int length_ = 0;
 };
 
-/// Scoped write access to a string's units: separates the string, drops its narrow form, and ends with
-/// the length set last.
+/// Scoped write access to a string's units: separates the string, drops its narrow form, and ends
+/// with the length set last.
 class String::Writer {
 public:
     /// Makes room for `capacity` units besides the terminator.

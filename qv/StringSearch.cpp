@@ -12,7 +12,8 @@ struct Regions {
     Regions(int wantedStart, int wantedCount, int length, int textLength, int wantedTextStart)
         : start(wantedStart < 0 || wantedStart > length ? length : wantedStart),
           count(wantedCount < 0 || wantedCount > length - start ? length - start : wantedCount),
-          textStart(std::clamp(wantedTextStart, 0, textLength)), textCount(textLength - textStart) {}
+          textStart(std::clamp(wantedTextStart, 0, textLength)), textCount(textLength - textStart) {
+    }
 
     int start;
     int count;
@@ -78,8 +79,8 @@ int String::regionCompare(int start, int count, const char16_t* text, int length
     const int common = std::min(regions.count, regions.textCount);
     const char16_t* const left = reader.units() + regions.start;
     const char16_t* const right = text + regions.textStart;
-    const int order = ignoreCase ? QVStrNICmpW(left, right, common)
-                                 : detail::compareUnits(left, right, common);
+    const int order =
+        ignoreCase ? QVStrNICmpW(left, right, common) : detail::compareUnits(left, right, common);
     return order != 0 ? order : regions.count - regions.textCount;
 }
 
@@ -253,8 +254,8 @@ int String::findLastOf(const char16_t* set, int length, int from, bool ignoreCas
         return -1;
     }
     const Reader reader(*this);
-    return findBackward(reader.units(), lastIndex(from, reader.length()),
-                        {set, length, ignoreCase}, true);
+    return findBackward(reader.units(), lastIndex(from, reader.length()), {set, length, ignoreCase},
+                        true);
 }
 
 int String::findLastNotOf(const String& set, int from, bool ignoreCase) const {
@@ -268,8 +269,8 @@ int String::findLastNotOf(const char16_t* set, int length, int from, bool ignore
         return -1;
     }
     const Reader reader(*this);
-    return findBackward(reader.units(), lastIndex(from, reader.length()),
-                        {set, length, ignoreCase}, false);
+    return findBackward(reader.units(), lastIndex(from, reader.length()), {set, length, ignoreCase},
+                        false);
 }
 
 } // namespace qv

@@ -9,7 +9,8 @@
 typedef int32_t (*QVComGetClassObject)(const GUID* classId, const GUID* iid, void** out);
 
 /// Registers a class for the life of this process, or until QVComRevokeClass. 0x800700B7 if the
-/// ProgID or the class id is registered already. Thread safety: internally locked.
+/// ProgID or the class id is registered already. A class with a null or empty ProgID is found by
+/// its id only. Thread safety: internally locked.
 QVCORE_API int32_t QVComRegisterClass(const char16_t* progId, const GUID* classId,
                                       QVComGetClassObject getClassObject) QVCORE_NOEXCEPT;
 /// 0x80040154 if the class is not registered for this process.

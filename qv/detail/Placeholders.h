@@ -5,14 +5,16 @@
 
 namespace qv::detail {
 
-/// A numbered placeholder of a pattern, "{0}", "{1}" and so on: its index and the range where it stands.
+/// A numbered placeholder of a pattern, "{0}", "{1}" and so on: its index and the range where it
+/// stands.
 struct Placeholder {
     std::size_t index;
     std::size_t start;
     std::size_t end;
 };
 
-/// Reads the placeholder that opens at `start`: a brace, a decimal index without leading zeros, a brace.
+/// Reads the placeholder that opens at `start`: a brace, a decimal index without leading zeros, a
+/// brace.
 /// @return false if what stands there is none.
 inline bool readPlaceholder(std::u16string_view pattern, std::size_t start,
                             Placeholder& placeholder) noexcept {
@@ -34,7 +36,8 @@ inline bool readPlaceholder(std::u16string_view pattern, std::size_t start,
 }
 
 /// Calls `visit` for each placeholder of the pattern, from the first.
-template <class Visit> void forEachPlaceholder(std::u16string_view pattern, Visit visit) {
+template <class Visit>
+void forEachPlaceholder(std::u16string_view pattern, Visit visit) {
     std::size_t i = pattern.find(u'{');
     while (i != std::u16string_view::npos) {
         Placeholder placeholder{};

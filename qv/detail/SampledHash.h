@@ -6,9 +6,9 @@
 
 namespace qv::detail {
 
-/// The text hash of the library: multiplier 37 over at most about 32 sampled units, so that long keys
-/// hash in constant time. Texts of up to 63 units are hashed whole; the step grows by one for every 32
-/// units more.
+/// The text hash of the library: multiplier 37 over at most about 32 sampled units, so that long
+/// keys hash in constant time. Texts of up to 63 units are hashed whole; the step grows by one for
+/// every 32 units more.
 inline std::uint32_t sampledHash(const char16_t* text, int length, bool ignoreCase) noexcept {
     const int step = (length - 32) / 32 + 1;
     std::uint32_t hash = 0;

@@ -5,8 +5,6 @@ namespace qv::io {
 BufferedInputStream::BufferedInputStream(InputStream* in, std::int32_t size)
     : BufferedInput(in, size) {}
 
-int BufferedInputStream::read() {
-    return nextUnit();
-}
+int BufferedInputStream::read() { return nextUnit(); }
 
 } // namespace qv::io

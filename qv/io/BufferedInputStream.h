@@ -9,7 +9,7 @@ class QV_API BufferedInputStream : public detail::BufferedInput<InputStream, sig
 public:
     /// Owns: one reference to `in`; a null one is accepted, and what needs it then throws
     /// IllegalStateException. A `size` below 16 bytes gives 16.
-    explicit BufferedInputStream(InputStream* in, std::int32_t size = 8192);
+    explicit BufferedInputStream(InputStream* in, std::int32_t size = 16384);
 
     using detail::BufferedInput<InputStream, signed char>::read;
     /// @return the next byte sign-extended, or -1 at the end.

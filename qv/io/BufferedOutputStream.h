@@ -9,7 +9,7 @@ class QV_API BufferedOutputStream : public detail::BufferedOutput<OutputStream, 
 public:
     /// Owns: one reference to `out`; a null one is accepted, and what needs it then throws
     /// IllegalStateException. A `size` below 16 bytes gives 16.
-    explicit BufferedOutputStream(OutputStream* out, std::int32_t size = 8192);
+    explicit BufferedOutputStream(OutputStream* out, std::int32_t size = 16384);
     ~BufferedOutputStream() override;
 };
 

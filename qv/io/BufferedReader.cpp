@@ -14,9 +14,7 @@ constexpr char16_t carriageReturn = 13;
 
 BufferedReader::BufferedReader(Reader* in, std::int32_t size) : BufferedInput(in, size) {}
 
-int BufferedReader::read() {
-    return nextUnit();
-}
+int BufferedReader::read() { return nextUnit(); }
 
 std::int32_t BufferedReader::readLine(String& line) {
     ensureOpen();

@@ -13,7 +13,7 @@ class QV_API BufferedReader : public detail::BufferedInput<Reader, char16_t> {
 public:
     /// Owns: one reference to `in`; a null one is accepted, and what needs it then throws
     /// IllegalStateException. A `size` below 16 units gives 16.
-    explicit BufferedReader(Reader* in, std::int32_t size = 8192);
+    explicit BufferedReader(Reader* in, std::int32_t size = 16384);
 
     using detail::BufferedInput<Reader, char16_t>::read;
     /// @return the next unit as 0 to 65535, or -1 at the end.

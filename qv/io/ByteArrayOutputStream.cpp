@@ -12,9 +12,7 @@ constexpr std::int64_t greatestCount = std::numeric_limits<std::int32_t>::max();
 
 } // namespace
 
-ByteArrayOutputStream::ByteArrayOutputStream(std::int32_t capacity) {
-    reallocBuffer(capacity);
-}
+ByteArrayOutputStream::ByteArrayOutputStream(std::int32_t capacity) { reallocBuffer(capacity); }
 
 void ByteArrayOutputStream::write(const signed char* bytes, std::int32_t length) {
     if (length < 1) {
@@ -30,9 +28,7 @@ void ByteArrayOutputStream::write(const signed char* bytes, std::int32_t length)
     size_ += length;
 }
 
-String ByteArrayOutputStream::toString() const {
-    return toString(nullptr);
-}
+String ByteArrayOutputStream::toString() const { return toString(nullptr); }
 
 String ByteArrayOutputStream::toString(const char16_t* encoding) const {
     return String(buffer_.get(), size_, encoding);
@@ -44,13 +40,9 @@ std::int32_t ByteArrayOutputStream::getBytes(signed char* destination, std::int3
     return count;
 }
 
-void ByteArrayOutputStream::reset() {
-    size_ = 0;
-}
+void ByteArrayOutputStream::reset() { size_ = 0; }
 
-void ByteArrayOutputStream::writeTo(OutputStream* out) const {
-    out->write(buffer_.get(), size_);
-}
+void ByteArrayOutputStream::writeTo(OutputStream* out) const { out->write(buffer_.get(), size_); }
 
 void ByteArrayOutputStream::ensureCapacity(std::int32_t needed) {
     if (capacity_ < needed) {

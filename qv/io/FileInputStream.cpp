@@ -23,8 +23,8 @@ FileInputStream::~FileInputStream() noexcept {
 
 std::int32_t FileInputStream::read(signed char* destination, std::int32_t length) {
     std::uint32_t count = 0;
-    const std::int32_t result = QVFileRead(
-        handle_, destination, static_cast<std::uint32_t>(std::max(length, 0)), &count);
+    const std::int32_t result =
+        QVFileRead(handle_, destination, static_cast<std::uint32_t>(std::max(length, 0)), &count);
     if (result == QV_E_ENDOFFILE) {
         return -1;
     }

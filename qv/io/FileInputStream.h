@@ -28,7 +28,8 @@ public:
 
     std::uint64_t getHandle() const noexcept { return handle_; }
 
-    /// The process's standard input, read without a buffer; the handle stays open at the stream's end.
+    /// The process's standard input, read without a buffer; the handle stays open at the stream's
+    /// end.
     static Reference<FileInputStream> standardInput();
 
 private:

@@ -27,8 +27,8 @@ std::vector<char> lockName(String canonicalPath) {
     constexpr int spare = 10;
     canonicalPath.translate(u'\\', u'/');
     std::vector<char> name(static_cast<std::size_t>(canonicalPath.getLength()) + spare);
-    const std::int32_t written =
-        QVUnicodeToAnsi(name.data(), canonicalPath.getData(), static_cast<std::int32_t>(name.size()));
+    const std::int32_t written = QVUnicodeToAnsi(name.data(), canonicalPath.getData(),
+                                                 static_cast<std::int32_t>(name.size()));
     if (written < 1) {
         throw ResultException();
     }
@@ -37,10 +37,12 @@ std::vector<char> lockName(String canonicalPath) {
 
 } // namespace
 
-/// One operation's turn among threads and processes: the mutex, then the lock; given back in reverse.
+/// One operation's turn among threads and processes: the mutex, then the lock; given back in
+/// reverse.
 ///
-/// The mutex is taken in every mode that has one. The semaphore holds its guard, which is this mutex,
-/// while it blocks: a second thread that waited there would keep the first from ever giving it back.
+/// The mutex is taken in every mode that has one. The semaphore holds its guard, which is this
+/// mutex, while it blocks: a second thread that waited there would keep the first from ever giving
+/// it back.
 class FileOutputStream::Turn {
 public:
     explicit Turn(FileOutputStream& stream)
@@ -184,8 +186,8 @@ void FileOutputStream::wait() {
 }
 
 void FileOutputStream::signal() {
-    // The mutex is the semaphore's guard: a thread that can take it without waiting holds the lock, or
-    // nobody does.
+    // The mutex is the semaphore's guard: a thread that can take it without waiting holds the lock,
+    // or nobody does.
     if (semaphore_ == nullptr || !mutex_->tryWait()) {
         return;
     }

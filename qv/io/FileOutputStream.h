@@ -12,15 +12,16 @@ namespace qv::io {
 /// Writes a file of the system, alone or together with other threads and processes.
 ///
 /// A stream with APPEND or LOCK has a lock that all processes share which write the same path: each
-/// `write` goes to the file as one unit under it. A stream with KEEPCLOSED holds the file open only for
-/// the length of one operation, and every write ends with the data on the disk. Both also order the
-/// threads of this process, by a mutex that is taken first and given back last. After `close` writes
-/// fail, until `open` brings the file back; TRUNC acts only once, at construction.
+/// `write` goes to the file as one unit under it. A stream with KEEPCLOSED holds the file open only
+/// for the length of one operation, and every write ends with the data on the disk. Both also order
+/// the threads of this process, by a mutex that is taken first and given back last. After `close`
+/// writes fail, until `open` brings the file back; TRUNC acts only once, at construction.
 ///
-/// Failures of the system are thrown as ResultException with the platform's result; a failed write gives
-/// its locks back.
+/// Failures of the system are thrown as ResultException with the platform's result; a failed write
+/// gives its locks back.
 ///
-/// Thread safety: internally locked with APPEND, KEEPCLOSED or LOCK; otherwise one thread at a time.
+/// Thread safety: internally locked with APPEND, KEEPCLOSED or LOCK; otherwise one thread at a
+/// time.
 class QV_API FileOutputStream : public OutputStream {
 public:
     static constexpr unsigned int ATEND = 0x1;      ///< opened positioned at its end

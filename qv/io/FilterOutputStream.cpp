@@ -8,16 +8,10 @@ void FilterOutputStream::write(const signed char* bytes, std::int32_t length) {
     out_->write(bytes, length);
 }
 
-void FilterOutputStream::write(signed char byte) {
-    out_->write(byte);
-}
+void FilterOutputStream::write(signed char byte) { out_->write(byte); }
 
-void FilterOutputStream::flush() {
-    out_->flush();
-}
+void FilterOutputStream::flush() { out_->flush(); }
 
-void FilterOutputStream::close() {
-    out_->close();
-}
+void FilterOutputStream::close() { out_->close(); }
 
 } // namespace qv::io

@@ -8,32 +8,18 @@ std::int32_t FilterReader::read(char16_t* destination, std::int32_t length) {
     return in_->read(destination, length);
 }
 
-int FilterReader::read() {
-    return in_->read();
-}
+int FilterReader::read() { return in_->read(); }
 
-std::int32_t FilterReader::skip(std::int32_t count) {
-    return in_->skip(count);
-}
+std::int32_t FilterReader::skip(std::int32_t count) { return in_->skip(count); }
 
-std::int32_t FilterReader::available() {
-    return in_->available();
-}
+std::int32_t FilterReader::available() { return in_->available(); }
 
-void FilterReader::close() {
-    in_->close();
-}
+void FilterReader::close() { in_->close(); }
 
-bool FilterReader::markSupported() {
-    return in_->markSupported();
-}
+bool FilterReader::markSupported() { return in_->markSupported(); }
 
-void FilterReader::mark(std::int32_t limit) {
-    in_->mark(limit);
-}
+void FilterReader::mark(std::int32_t limit) { in_->mark(limit); }
 
-void FilterReader::reset() {
-    in_->reset();
-}
+void FilterReader::reset() { in_->reset(); }
 
 } // namespace qv::io

@@ -22,20 +22,14 @@ std::int32_t InputStream::skip(std::int32_t count) {
     return detail::skipByReading<signed char>(*this, count);
 }
 
-std::int32_t InputStream::available() {
-    return 0;
-}
+std::int32_t InputStream::available() { return 0; }
 
 void InputStream::close() {}
 
-bool InputStream::markSupported() {
-    return false;
-}
+bool InputStream::markSupported() { return false; }
 
 void InputStream::mark(std::int32_t) {}
 
-void InputStream::reset() {
-    throw IoException(u"mark/reset not supported");
-}
+void InputStream::reset() { throw IoException(u"mark/reset not supported"); }
 
 } // namespace qv::io

@@ -25,7 +25,7 @@ public:
     /// bytes, but never less than 6 nor less than the longest form of a character.
     /// @throws text::charset::UnknownEncodingException.
     explicit InputStreamReader(InputStream* in, const char16_t* encoding = nullptr,
-                               std::int32_t size = 8192);
+                               std::int32_t size = 16384);
     ~InputStreamReader() override;
 
     // All but `close` throw IoException "stream closed" behind a `close`.

@@ -15,8 +15,8 @@ OutputStreamWriter::OutputStreamWriter(OutputStream* out, const char16_t* encodi
                                        std::int32_t size)
     : out_(out), converter_(CharToByteConverter::getConverter(encoding)),
       bufferSize_(std::max({size, 6, converter_->getMaxBytesPerChar()})),
-      buffer_(
-          std::make_unique_for_overwrite<signed char[]>(static_cast<std::size_t>(bufferSize_))) {}
+      buffer_(std::make_unique_for_overwrite<signed char[]>(static_cast<std::size_t>(bufferSize_))),
+      longestForm_(std::max(converter_->getMaxBytesPerChar(), 1)) {}
 
 OutputStreamWriter::~OutputStreamWriter() = default;
 
@@ -29,20 +29,20 @@ void OutputStreamWriter::ensureOpen() const {
 void OutputStreamWriter::write(const char16_t* text, std::int32_t length) {
     ensureOpen();
     if (length > 0) {
-        encode(text, completeHeldPair(text, length), length);
+        encode(text, completeHeldPair(*text), length);
     }
 }
 
-/// Writes a leading surrogate that was held back together with the first unit of `text`.
-/// @return units of `text` that are gone.
-std::int32_t OutputStreamWriter::completeHeldPair(const char16_t* text, std::int32_t length) {
+/// Writes a leading surrogate that was held back, together with the unit that comes next.
+/// @return how many units are gone that way, 0 or 1.
+std::int32_t OutputStreamWriter::completeHeldPair(char16_t next) {
     if (!heldSurrogate_) {
         return 0;
     }
-    const char16_t pair[] = {*heldSurrogate_, *text};
+    const char16_t pair[] = {*heldSurrogate_, next};
     encode(pair, 0, 2);
     heldSurrogate_.reset();
-    return std::min(length, 1);
+    return 1;
 }
 
 void OutputStreamWriter::encode(const char16_t* text, std::int32_t consumed, std::int32_t length) {
@@ -70,15 +70,17 @@ void OutputStreamWriter::encode(const char16_t* text, std::int32_t consumed, std
 /// room.
 std::int32_t OutputStreamWriter::runEnd(const char16_t* text, std::int32_t start,
                                         std::int32_t length) {
+    if (std::int64_t{length - start} * longestForm_ <= bufferSize_ - count_) {
+        return length; // there is room for all of it
+    }
     const std::int32_t plain = qv::detail::findSurrogate(text + start, length - start);
     if (plain != 0) {
         return plain < 0 ? length : start + plain;
     }
-    const std::int32_t longestForm = std::max(converter_->getMaxBytesPerChar(), 1);
-    if (bufferSize_ - count_ < longestForm) {
+    if (bufferSize_ - count_ < longestForm_) {
         drain();
     }
-    const std::int32_t pairs = (bufferSize_ - count_) / longestForm;
+    const std::int32_t pairs = (bufferSize_ - count_) / longestForm_;
     const std::int32_t limit = length - start > 2 * pairs ? start + 2 * pairs : length;
     std::int32_t end = start;
     while (end < limit && text::charset::detail::isSurrogate(text[end])) {

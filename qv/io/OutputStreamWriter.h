@@ -26,7 +26,7 @@ public:
     /// bytes, but never less than 6 nor less than the longest form of a character.
     /// @throws text::charset::UnknownEncodingException.
     explicit OutputStreamWriter(OutputStream* out, const char16_t* encoding = nullptr,
-                                std::int32_t size = 8192);
+                                std::int32_t size = 16384);
     ~OutputStreamWriter() override;
 
     // All but `close` throw IoException "stream closed" behind a `close`.
@@ -49,7 +49,7 @@ public:
 
 private:
     void ensureOpen() const;
-    std::int32_t completeHeldPair(const char16_t* text, std::int32_t length);
+    std::int32_t completeHeldPair(char16_t next);
     void encode(const char16_t* text, std::int32_t consumed, std::int32_t length);
     std::int32_t runEnd(const char16_t* text, std::int32_t start, std::int32_t length);
     void drain();
@@ -59,6 +59,7 @@ private:
     std::int32_t bufferSize_;
     std::unique_ptr<signed char[]> buffer_; ///< null behind a close
     std::int32_t count_ = 0;
+    std::int32_t longestForm_;              ///< bytes that a character can need
     std::optional<char16_t> heldSurrogate_; ///< a leading one that the encoder does not take alone
 };
 

@@ -14,20 +14,14 @@ std::int32_t Reader::skip(std::int32_t count) {
     return detail::skipByReading<char16_t>(*this, count);
 }
 
-std::int32_t Reader::available() {
-    return 0;
-}
+std::int32_t Reader::available() { return 0; }
 
 void Reader::close() {}
 
-bool Reader::markSupported() {
-    return false;
-}
+bool Reader::markSupported() { return false; }
 
 void Reader::mark(std::int32_t) {}
 
-void Reader::reset() {
-    throw IoException(u"mark/reset not supported");
-}
+void Reader::reset() { throw IoException(u"mark/reset not supported"); }
 
 } // namespace qv::io

@@ -8,8 +8,8 @@ namespace qv::io {
 
 /// Reads the runtime library's standard input, line by line.
 ///
-/// Kept: a block read ends behind a line feed, and a byte of value 0 in the input cuts it. For binary
-/// input there is FileInputStream::standardInput.
+/// Kept: a block read ends behind a line feed, and a byte of value 0 in the input cuts it. For
+/// binary input there is FileInputStream::standardInput.
 class QV_API StdioInputStream : public InputStream {
 public:
     StdioInputStream();

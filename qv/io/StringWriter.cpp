@@ -10,8 +10,6 @@ void StringWriter::write(const char16_t* text, std::int32_t length) {
     }
 }
 
-String StringWriter::toString() const {
-    return text_;
-}
+String StringWriter::toString() const { return text_; }
 
 } // namespace qv::io

@@ -12,13 +12,9 @@ void Writer::write(const String& text) {
     lock.release();
 }
 
-void Writer::write(const char16_t* text) {
-    write(text, QVStrLenW_32(text));
-}
+void Writer::write(const char16_t* text) { write(text, QVStrLenW_32(text)); }
 
-void Writer::write(char16_t unit) {
-    write(&unit, 1);
-}
+void Writer::write(char16_t unit) { write(&unit, 1); }
 
 void Writer::flush() {}
 

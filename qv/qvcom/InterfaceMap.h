@@ -12,8 +12,8 @@ namespace qv::qvcom {
 using InterfaceFunction = std::int32_t (*)(ComObject* self, const GUID& iid, void** out,
                                            std::uint32_t data);
 
-/// One row of a class's interface map: a constant table in static storage, ended by a row whose entry
-/// is null.
+/// One row of a class's interface map: a constant table in static storage, ended by a row whose
+/// entry is null.
 struct InterfaceData {
     /// What the row does: the number 1 marks an offset row, anything else is a function to call.
     union Entry {
@@ -21,9 +21,10 @@ struct InterfaceData {
         InterfaceFunction function;
     };
 
-    const GUID* iid;    ///< the interface of this row; null in a chain row
-    Entry entry;        ///< see Entry
-    std::uint32_t data; ///< offset row: bytes from the object's start to the interface's table pointer
+    const GUID* iid; ///< the interface of this row; null in a chain row
+    Entry entry;     ///< see Entry
+    std::uint32_t
+        data; ///< offset row: bytes from the object's start to the interface's table pointer
 };
 
 /// A row for an interface that stands `offset` bytes behind the object's start.
@@ -39,10 +40,10 @@ constexpr InterfaceData chainRow(InterfaceFunction function) noexcept {
 /// The row that ends a table.
 constexpr InterfaceData endRow() noexcept { return {nullptr, {.word = 0}, 0}; }
 
-/// The one lookup of interfaces. A request for IQVUnknown gives `self`, so that the pointer for it is
-/// always the same whichever interface the caller came through; then the rows are tried in order. A
-/// row with an iid that fails ends the search with its result; a chain row that fails does not.
-/// Thread safety: immutable.
+/// The one lookup of interfaces. A request for IQVUnknown gives `self`, so that the pointer for it
+/// is always the same whichever interface the caller came through; then the rows are tried in
+/// order. A row with an iid that fails ends the search with its result; a chain row that fails does
+/// not. Thread safety: immutable.
 /// @return 0, QV_E_POINTER for a null `out`, QV_E_NOINTERFACE with null stored, or a row's failure.
 QV_API std::int32_t QueryInterfaceMap(const InterfaceData* map, ComObject* self, const GUID& iid,
                                       void** out);

@@ -20,11 +20,17 @@ public:
     Module& operator=(const Module&) = delete;
 
     /// @return the new count.
-    std::uint32_t AddRef() noexcept { return lockCount_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    std::uint32_t AddRef() noexcept {
+        return lockCount_.fetch_add(1, std::memory_order_relaxed) + 1;
+    }
     /// @return the new count.
-    std::uint32_t Release() noexcept { return lockCount_.fetch_sub(1, std::memory_order_acq_rel) - 1; }
+    std::uint32_t Release() noexcept {
+        return lockCount_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    }
     /// A snapshot that may be stale when it returns.
-    std::uint32_t GetRefCount() const noexcept { return lockCount_.load(std::memory_order_relaxed); }
+    std::uint32_t GetRefCount() const noexcept {
+        return lockCount_.load(std::memory_order_relaxed);
+    }
 
 private:
     std::atomic<std::uint32_t> lockCount_{0};

@@ -10,24 +10,16 @@ Event::Event(const char* name, std::uint32_t flags) {
     throwIfFailed(QVEventCreate(name, flags, &handle_));
 }
 
-Event::~Event() noexcept(false) {
-    throwIfFailed(QVEventDestroy(handle_));
-}
+Event::~Event() noexcept(false) { throwIfFailed(QVEventDestroy(handle_)); }
 
-void Event::wait() {
-    throwIfFailed(QVEventWait(handle_));
-}
+void Event::wait() { throwIfFailed(QVEventWait(handle_)); }
 
-bool Event::tryWait() {
-    return false;
-}
+bool Event::tryWait() { return false; }
 
 bool Event::wait(std::uint32_t timeout) {
     return detail::acquiredInTime(QVEventTimedWait(handle_, timeout));
 }
 
-void Event::signal() {
-    throwIfFailed(QVEventSignal(handle_));
-}
+void Event::signal() { throwIfFailed(QVEventSignal(handle_)); }
 
 } // namespace qv::sync

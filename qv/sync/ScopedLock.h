@@ -4,9 +4,10 @@ namespace qv::sync {
 
 /// Holds anything that has `wait` and `signal` for the length of a scope.
 ///
-/// Borrows: the lock. A `signal` that fails in the destructor ends the process, since the lock would stay
-/// held by nobody.
-template <class Lock> class ScopedLock {
+/// Borrows: the lock. A `signal` that fails in the destructor ends the process, since the lock
+/// would stay held by nobody.
+template <class Lock>
+class ScopedLock {
 public:
     /// @throws what `wait` throws.
     explicit ScopedLock(Lock& lock) : lock_(lock) { lock_.wait(); }
@@ -19,7 +20,8 @@ private:
 };
 
 /// The same for the shared side of a reader-writer lock.
-template <class Lock> class ScopedSharedLock {
+template <class Lock>
+class ScopedSharedLock {
 public:
     explicit ScopedSharedLock(Lock& lock) : lock_(lock) { lock_.waitShared(); }
     ScopedSharedLock(const ScopedSharedLock&) = delete;

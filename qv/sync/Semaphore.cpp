@@ -9,21 +9,13 @@ Semaphore::Semaphore(std::uint32_t initial, const char* name, std::uint32_t flag
     throwIfFailed(QVSemaphoreCreate(initial, name, flags, &handle_));
 }
 
-Semaphore::~Semaphore() noexcept(false) {
-    throwIfFailed(QVSemaphoreDestroy(handle_));
-}
+Semaphore::~Semaphore() noexcept(false) { throwIfFailed(QVSemaphoreDestroy(handle_)); }
 
-void Semaphore::wait() {
-    throwIfFailed(QVSemaphoreWait(handle_));
-}
+void Semaphore::wait() { throwIfFailed(QVSemaphoreWait(handle_)); }
 
-bool Semaphore::tryWait() {
-    return QVSemaphoreTryWait(handle_) >= 0;
-}
+bool Semaphore::tryWait() { return QVSemaphoreTryWait(handle_) >= 0; }
 
-void Semaphore::signal() {
-    throwIfFailed(QVSemaphorePost(handle_));
-}
+void Semaphore::signal() { throwIfFailed(QVSemaphorePost(handle_)); }
 
 std::int32_t Semaphore::getValue() {
     std::int32_t value = 0;

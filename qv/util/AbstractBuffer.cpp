@@ -21,9 +21,15 @@ std::int32_t AbstractBuffer<Unit>::QueryInterface(const GUID& iid, void** out) n
     return qvcom::QueryInterfaceMap(GetComIntfMap(), this, iid, out);
 }
 
-template <class Unit> int AbstractBuffer<Unit>::GetLength() const { return getLength(); }
+template <class Unit>
+int AbstractBuffer<Unit>::GetLength() const {
+    return getLength();
+}
 
-template <class Unit> const Unit* AbstractBuffer<Unit>::GetData() const { return getData(); }
+template <class Unit>
+const Unit* AbstractBuffer<Unit>::GetData() const {
+    return getData();
+}
 
 template <class Unit>
 std::int32_t AbstractBuffer<Unit>::GetReadLock(const Unit** data) const noexcept {
@@ -31,11 +37,13 @@ std::int32_t AbstractBuffer<Unit>::GetReadLock(const Unit** data) const noexcept
     return toResult([&] { *data = getReadLock(); });
 }
 
-template <class Unit> std::int32_t AbstractBuffer<Unit>::ReleaseReadLock() const noexcept {
+template <class Unit>
+std::int32_t AbstractBuffer<Unit>::ReleaseReadLock() const noexcept {
     return toResult([&] { releaseReadLock(); });
 }
 
-template <class Unit> short AbstractBuffer<Unit>::IsWritable() const {
+template <class Unit>
+short AbstractBuffer<Unit>::IsWritable() const {
     return static_cast<short>(isWritable());
 }
 
@@ -51,15 +59,18 @@ std::int32_t AbstractBuffer<Unit>::EnsureCapacity(int capacity, Unit** data) noe
     return toResult([&] { *data = ensureCapacity(capacity); });
 }
 
-template <class Unit> std::int32_t AbstractBuffer<Unit>::ReleaseWriteLock(int length) noexcept {
+template <class Unit>
+std::int32_t AbstractBuffer<Unit>::ReleaseWriteLock(int length) noexcept {
     return toResult([&] { releaseWriteLock(length); });
 }
 
-template <class Unit> std::int32_t AbstractBuffer<Unit>::FreeExtra() noexcept {
+template <class Unit>
+std::int32_t AbstractBuffer<Unit>::FreeExtra() noexcept {
     return toResult([&] { freeExtra(); });
 }
 
-template <class Unit> const qvcom::InterfaceData* AbstractBuffer<Unit>::GetComIntfMap() noexcept {
+template <class Unit>
+const qvcom::InterfaceData* AbstractBuffer<Unit>::GetComIntfMap() noexcept {
     return bufferMap<Unit>;
 }
 

@@ -7,12 +7,15 @@ namespace qv::util {
 
 namespace detail {
 
-template <class Unit> struct BufferInterface;
-template <> struct BufferInterface<signed char> {
+template <class Unit>
+struct BufferInterface;
+template <>
+struct BufferInterface<signed char> {
     using Type = IQVByteBuffer;
     static constexpr const GUID& iid = IID_IQVByteBuffer;
 };
-template <> struct BufferInterface<char16_t> {
+template <>
+struct BufferInterface<char16_t> {
     using Type = IQVCharBuffer;
     static constexpr const GUID& iid = IID_IQVCharBuffer;
 };

@@ -7,9 +7,10 @@ namespace qv::util {
 
 /// Scoped read lock of a buffer.
 ///
-/// Borrows: the buffer. A release that fails in the destructor ends the process, since the lock would
-/// stay held by nobody.
-template <class Unit> class BufferReadLock {
+/// Borrows: the buffer. A release that fails in the destructor ends the process, since the lock
+/// would stay held by nobody.
+template <class Unit>
+class BufferReadLock {
 public:
     /// @throws ResultException with the buffer's result.
     explicit BufferReadLock(const IBuffer<Unit>& buffer) : buffer_(&buffer) {
@@ -19,7 +20,8 @@ public:
     BufferReadLock& operator=(const BufferReadLock&) = delete;
     ~BufferReadLock() {
         if (buffer_ != nullptr) {
-            throwIfFailed(buffer_->ReleaseReadLock()); // the destructor is noexcept: a throw ends it
+            throwIfFailed(
+                buffer_->ReleaseReadLock()); // the destructor is noexcept: a throw ends it
         }
     }
 
@@ -34,11 +36,12 @@ private:
     const Unit* data_ = nullptr;
 };
 
-/// Scoped write lock of a buffer. The scope's end releases with the length set last; until one is set
-/// the buffer keeps its length.
+/// Scoped write lock of a buffer. The scope's end releases with the length set last; until one is
+/// set the buffer keeps its length.
 ///
 /// Borrows: the buffer. A release that fails in the destructor ends the process.
-template <class Unit> class BufferWriteLock {
+template <class Unit>
+class BufferWriteLock {
 public:
     /// @throws ResultException with the buffer's result.
     BufferWriteLock(IBuffer<Unit>& buffer, int capacity) : buffer_(&buffer) {

@@ -22,9 +22,7 @@ bool isOneOf(char16_t unit, const char16_t* set) {
 bool isSwitch(char16_t unit) { return isOneOf(unit, CommandLineParser::m_switchChars); }
 
 /// The end of a quoted run that opens at `quote`, or null if it does not close.
-char16_t* quotedEnd(char16_t* quote) {
-    return const_cast<char16_t*>(QVStrChrW(quote + 1, u'"'));
-}
+char16_t* quotedEnd(char16_t* quote) { return const_cast<char16_t*>(QVStrChrW(quote + 1, u'"')); }
 
 /// Takes a token in place; quotes count at its very head. Null if nothing is left.
 char16_t* nextToken(char16_t*& cursor, const char16_t* delimiters) {
@@ -47,8 +45,8 @@ char16_t* nextToken(char16_t*& cursor, const char16_t* delimiters) {
     return token;
 }
 
-/// The blank or terminator that ends an option's token: quotes at the head of a value behind `=` protect
-/// blanks up to their end.
+/// The blank or terminator that ends an option's token: quotes at the head of a value behind `=`
+/// protect blanks up to their end.
 char16_t* optionEnd(char16_t* option) {
     bool inList = false;
     bool atHead = false;

@@ -10,15 +10,17 @@ namespace qv::util {
 
 class OptionDefinition;
 
-/// Turns one command line into an ordered list of elements: options, each with a name and values, and
-/// parameters, each with one value.
+/// Turns one command line into an ordered list of elements: options, each with a name and values,
+/// and parameters, each with one value.
 ///
-/// An option opens with `-` or `/`. Values stand behind `=`, separated by commas; an option that was
-/// defined with a count of values also takes that many tokens behind it. Quotes protect blanks at the
-/// head of a token and at the head of a value in a list behind `=`. Parsing itself never fails.
+/// An option opens with `-` or `/`. Values stand behind `=`, separated by commas; an option that
+/// was defined with a count of values also takes that many tokens behind it. Quotes protect blanks
+/// at the head of a token and at the head of a value in a list behind `=`. Parsing itself never
+/// fails.
 ///
-/// Kept: quotes are honoured only directly behind the single blank that ended the token before; a token
-/// that opens an option where a value was expected is lost; quotes do not protect a switch character.
+/// Kept: quotes are honoured only directly behind the single blank that ended the token before; a
+/// token that opens an option where a value was expected is lost; quotes do not protect a switch
+/// character.
 ///
 /// Thread safety: const-safe.
 class QV_API CommandLineParser : public Object {
@@ -64,8 +66,9 @@ public:
     CommandLineParser& operator=(const CommandLineParser&) = delete;
     ~CommandLineParser() noexcept override;
 
-    /// Defines an option, in place of an earlier definition of that name. `name` has no switch character.
-    /// `defaults` are values separated by commas or blanks; null means that there are none.
+    /// Defines an option, in place of an earlier definition of that name. `name` has no switch
+    /// character. `defaults` are values separated by commas or blanks; null means that there are
+    /// none.
     void defineOption(const char16_t* name, int valueCount, const char16_t* defaults = nullptr);
     /// Chooses whether look-ups tell upper from lower case, before or after parsing.
     void setIgnoreCase(bool ignore) noexcept { ignoreCase_ = ignore; }
@@ -73,7 +76,8 @@ public:
     /// Drops the results of an earlier call and keeps the definitions. Null is an empty text.
     void parse(const char16_t* text);
     void parse(const String& text);
-    /// Joins the arguments, decoded in the default encoding, into one text; one with a blank is quoted.
+    /// Joins the arguments, decoded in the default encoding, into one text; one with a blank is
+    /// quoted.
     void parse(int argc, char** const argv);
 
     int getElementCount() const noexcept { return static_cast<int>(elements_.size()); }
@@ -103,7 +107,8 @@ private:
             return left.compare(right, true) < 0;
         }
     };
-    template <class Value> struct NameMaps {
+    template <class Value>
+    struct NameMaps {
         void put(const String& name, const Value& value) {
             exact.insert_or_assign(name, value);
             folded.insert_or_assign(name, value);
@@ -111,7 +116,8 @@ private:
         const Value* find(const String& name, bool ignoreCase) const {
             return ignoreCase ? find(folded, name) : find(exact, name);
         }
-        template <class Map> static const Value* find(const Map& map, const String& name) {
+        template <class Map>
+        static const Value* find(const Map& map, const String& name) {
             const auto found = map.find(name);
             return found == map.end() ? nullptr : &found->second;
         }
@@ -132,7 +138,8 @@ private:
     bool ignoreCase_ = false;
 };
 
-/// What an option may look like: how many values it takes, and which it has where the line gives none.
+/// What an option may look like: how many values it takes, and which it has where the line gives
+/// none.
 class QV_API OptionDefinition : public CommandLineParser::Element {
 public:
     int getExpectedValueCount() const noexcept { return valueCount_; }

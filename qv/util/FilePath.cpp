@@ -18,7 +18,8 @@ constexpr int canonicalSize = 261; // units, terminator included
 constexpr int systemPathSize = 32768;
 
 /// The path that a platform call writes. @throws ResultException with its result.
-template <class Call> String pathFrom(Call call, int capacity) {
+template <class Call>
+String pathFrom(Call call, int capacity) {
     String path;
     char16_t* const buffer = path.getWriteLock(capacity);
     const std::int32_t result = call(buffer, capacity);

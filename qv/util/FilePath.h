@@ -7,10 +7,10 @@ namespace qv::util {
 
 /// A path as a value: its text, cleaned, and how much of it is the root.
 ///
-/// The library's text form follows the Windows conventions on every system: the separator is a backslash
-/// (a slash is taken for one), a drive is one letter and a colon, `\\server\share` is a network root.
-/// Where the system has no drives, an absolute path starts with a backslash. The file system is not
-/// asked.
+/// The library's text form follows the Windows conventions on every system: the separator is a
+/// backslash (a slash is taken for one), a drive is one letter and a colon, `\\server\share` is a
+/// network root. Where the system has no drives, an absolute path starts with a backslash. The file
+/// system is not asked.
 ///
 /// Thread safety: const-safe.
 class QV_API FilePath : public CopyObject {
@@ -19,7 +19,8 @@ public:
     /// Between the paths of a list.
     static constexpr char16_t pathDelim = u';';
 
-    /// @throws InvalidPathException "invalid drive" for a colon behind more than one letter, "no server
+    /// @throws InvalidPathException "invalid drive" for a colon behind more than one letter, "no
+    /// server
     ///     name" or "no share name" for an incomplete network root.
     explicit FilePath(const String& path);
 

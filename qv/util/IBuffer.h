@@ -4,12 +4,13 @@
 
 namespace qv::util {
 
-/// A growable array of units (bytes, or UTF-16 units) behind a lock protocol: a reader takes a read lock
-/// and gets a pointer; a writer takes a write lock with a capacity, writes, and gives the new length
-/// back. One protocol so serves plain memory, read-only data and buffers that threads share.
+/// A growable array of units (bytes, or UTF-16 units) behind a lock protocol: a reader takes a read
+/// lock and gets a pointer; a writer takes a write lock with a capacity, writes, and gives the new
+/// length back. One protocol so serves plain memory, read-only data and buffers that threads share.
 ///
 /// Lengths and capacities count units. A pointer is valid until its lock is released.
-template <class Unit> class IBuffer : public IQVUnknown {
+template <class Unit>
+class IBuffer : public IQVUnknown {
 public:
     virtual int GetLength() const = 0;
     virtual const Unit* GetData() const = 0;

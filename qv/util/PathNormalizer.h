@@ -6,8 +6,8 @@
 
 namespace qv::util {
 
-/// Cleans a path text without touching the file system: takes `.` and `..` parts and doubled separators
-/// out, and turns all separators into one kind.
+/// Cleans a path text without touching the file system: takes `.` and `..` parts and doubled
+/// separators out, and turns all separators into one kind.
 ///
 /// A state machine over the units of the text. Separators are written when something follows them.
 /// Kept: a leading separator goes when a `..` reaches it (`/a/../b` gives `b`).
@@ -31,16 +31,16 @@ public:
 
 private:
     enum STATE : std::uint8_t {
-        STATE_START,             // nothing yet, or everything popped
-        STATE_NAME,              // inside a component: units are copied
-        STATE_SLASH,             // after a separator that is not written yet
-        STATE_SLASH_DOT,         // after a separator and `.`
-        STATE_SLASH_DOT_DOT,     // after a separator and `..`
-        STATE_LEAD_DOT,          // a `.` at the head of a part
-        STATE_LEAD_DOT_SLASH,    // a leading `.` and a separator
-        STATE_LEAD_DOT_DOT,      // `..` at the head
+        STATE_START,              // nothing yet, or everything popped
+        STATE_NAME,               // inside a component: units are copied
+        STATE_SLASH,              // after a separator that is not written yet
+        STATE_SLASH_DOT,          // after a separator and `.`
+        STATE_SLASH_DOT_DOT,      // after a separator and `..`
+        STATE_LEAD_DOT,           // a `.` at the head of a part
+        STATE_LEAD_DOT_SLASH,     // a leading `.` and a separator
+        STATE_LEAD_DOT_DOT,       // `..` at the head
         STATE_LEAD_DOT_DOT_SLASH, // leading `..` and a separator
-        STATE_END                // the terminator was read
+        STATE_END                 // the terminator was read
     };
 
     STATE nextState() const;

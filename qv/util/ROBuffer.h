@@ -8,7 +8,8 @@ namespace qv::util {
 ///
 /// Borrows: the memory, which must outlive the buffer and its copies.
 /// Thread safety: const-safe.
-template <class Unit> class QV_API_TEMPLATE ROBuffer : public AbstractBuffer<Unit> {
+template <class Unit>
+class QV_API_TEMPLATE ROBuffer : public AbstractBuffer<Unit> {
 public:
     ROBuffer() noexcept = default;
     /// `capacity` is accepted for the sake of one form with RWBuffer, and dropped.
@@ -28,7 +29,8 @@ public:
     void releaseWriteLock(int length) override;
     void freeExtra() noexcept override {}
 
-    /// The write side of the component face answers QV_E_NOTIMPL, with null stored, and throws nothing.
+    /// The write side of the component face answers QV_E_NOTIMPL, with null stored, and throws
+    /// nothing.
     std::int32_t GetReadLock(const Unit** data) const noexcept override;
     std::int32_t ReleaseReadLock() const noexcept override;
     short IsWritable() const noexcept override;

@@ -20,11 +20,13 @@ int roundedCapacity(int capacity) {
     return (capacity + (granularity - 1)) & ~(granularity - 1);
 }
 
-template <class Unit> std::size_t byteCount(int units) {
+template <class Unit>
+std::size_t byteCount(int units) {
     return static_cast<std::size_t>(units) * sizeof(Unit);
 }
 
-template <class Unit> Unit* checkedMemory(void* memory) {
+template <class Unit>
+Unit* checkedMemory(void* memory) {
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -33,9 +35,13 @@ template <class Unit> Unit* checkedMemory(void* memory) {
 
 } // namespace
 
-template <class Unit> RWBuffer<Unit>::RWBuffer(int capacity) { allocBuffer(capacity); }
+template <class Unit>
+RWBuffer<Unit>::RWBuffer(int capacity) {
+    allocBuffer(capacity);
+}
 
-template <class Unit> RWBuffer<Unit>::RWBuffer(const Unit* data, int length, int capacity) {
+template <class Unit>
+RWBuffer<Unit>::RWBuffer(const Unit* data, int length, int capacity) {
     allocBuffer(std::max(capacity, std::max(length, 0)));
     if (length >= 1) {
         std::memcpy(data_, data, byteCount<Unit>(length));
@@ -43,7 +49,8 @@ template <class Unit> RWBuffer<Unit>::RWBuffer(const Unit* data, int length, int
     }
 }
 
-template <class Unit> RWBuffer<Unit>::RWBuffer(const RWBuffer& other) : AbstractBuffer<Unit>() {
+template <class Unit>
+RWBuffer<Unit>::RWBuffer(const RWBuffer& other) : AbstractBuffer<Unit>() {
     allocBuffer(std::max(other.capacity_, other.length_));
     if (other.length_ > 0) {
         std::memcpy(data_, other.data_, byteCount<Unit>(std::min(other.length_, other.capacity_)));
@@ -51,7 +58,8 @@ template <class Unit> RWBuffer<Unit>::RWBuffer(const RWBuffer& other) : Abstract
     }
 }
 
-template <class Unit> RWBuffer<Unit>& RWBuffer<Unit>::operator=(const RWBuffer& other) {
+template <class Unit>
+RWBuffer<Unit>& RWBuffer<Unit>::operator=(const RWBuffer& other) {
     if (this == &other) {
         return *this;
     }
@@ -63,28 +71,38 @@ template <class Unit> RWBuffer<Unit>& RWBuffer<Unit>::operator=(const RWBuffer& 
     return *this;
 }
 
-template <class Unit> RWBuffer<Unit>::~RWBuffer() noexcept { std::free(data_); }
+template <class Unit>
+RWBuffer<Unit>::~RWBuffer() noexcept {
+    std::free(data_);
+}
 
-template <class Unit> Unit* RWBuffer<Unit>::getWriteLock(int capacity) {
+template <class Unit>
+Unit* RWBuffer<Unit>::getWriteLock(int capacity) {
     return this->ensureCapacity(capacity);
 }
 
-template <class Unit> Unit* RWBuffer<Unit>::ensureCapacity(int capacity) {
+template <class Unit>
+Unit* RWBuffer<Unit>::ensureCapacity(int capacity) {
     if (capacity_ < capacity) {
         reallocBuffer(capacity);
     }
     return data_;
 }
 
-template <class Unit> void RWBuffer<Unit>::releaseWriteLock(int length) {
+template <class Unit>
+void RWBuffer<Unit>::releaseWriteLock(int length) {
     if (length >= 0) {
         length_ = length;
     }
 }
 
-template <class Unit> void RWBuffer<Unit>::freeExtra() { reallocBuffer(length_); }
+template <class Unit>
+void RWBuffer<Unit>::freeExtra() {
+    reallocBuffer(length_);
+}
 
-template <class Unit> void RWBuffer<Unit>::reallocBuffer(int capacity) {
+template <class Unit>
+void RWBuffer<Unit>::reallocBuffer(int capacity) {
     if (capacity == 0) {
         std::free(data_);
         data_ = nullptr;
@@ -99,7 +117,8 @@ template <class Unit> void RWBuffer<Unit>::reallocBuffer(int capacity) {
     capacity_ = rounded;
 }
 
-template <class Unit> void RWBuffer<Unit>::allocBuffer(int capacity) {
+template <class Unit>
+void RWBuffer<Unit>::allocBuffer(int capacity) {
     if (capacity == 0) {
         return;
     }

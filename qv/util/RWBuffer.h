@@ -4,14 +4,15 @@
 
 namespace qv::util {
 
-/// A buffer in memory of its own, for one thread at a time: its locks lock nothing, and a pointer taken
-/// under one is good until the next `ensureCapacity`.
+/// A buffer in memory of its own, for one thread at a time: its locks lock nothing, and a pointer
+/// taken under one is good until the next `ensureCapacity`.
 ///
-/// Capacity is what was asked for, rounded up to a multiple of 16 units; there is no growth beyond that,
-/// so an owner that grows by small steps applies a rule of its own.
+/// Capacity is what was asked for, rounded up to a multiple of 16 units; there is no growth beyond
+/// that, so an owner that grows by small steps applies a rule of its own.
 ///
 /// Owns: its memory. Thread safety: one thread at a time.
-template <class Unit> class QV_API_TEMPLATE RWBuffer : public AbstractBuffer<Unit> {
+template <class Unit>
+class QV_API_TEMPLATE RWBuffer : public AbstractBuffer<Unit> {
 public:
     RWBuffer() noexcept = default;
     /// @throws std::bad_alloc, as everything here that needs room.

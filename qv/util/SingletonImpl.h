@@ -10,7 +10,8 @@ namespace qv::util {
 template <class T, sync::LockObject** lockPointer>
 constinit std::atomic<Singleton<T, lockPointer>*> Singleton<T, lockPointer>::m_instance{nullptr};
 
-template <class T, sync::LockObject** lockPointer> T* Singleton<T, lockPointer>::getInstance() {
+template <class T, sync::LockObject** lockPointer>
+T* Singleton<T, lockPointer>::getInstance() {
     if (Singleton* const instance = m_instance.load(std::memory_order_acquire)) {
         return instance;
     }
@@ -24,7 +25,8 @@ template <class T, sync::LockObject** lockPointer> T* Singleton<T, lockPointer>:
     return m_instance.load(std::memory_order_relaxed);
 }
 
-template <class T, sync::LockObject** lockPointer> void Singleton<T, lockPointer>::freeInstance() {
+template <class T, sync::LockObject** lockPointer>
+void Singleton<T, lockPointer>::freeInstance() {
     if (m_instance.load(std::memory_order_acquire) == nullptr || *lockPointer == nullptr) {
         return;
     }

@@ -11,21 +11,22 @@
 
 namespace qv::core {
 
-/// The system's class factory interface, slot by slot. It is implemented in other modules only, so
-/// that it must not have internal linkage: the compiler would find it to have no implementation.
-class ClassFactory {
-public:
-    virtual std::int32_t queryInterface(const GUID& iid, void** out) = 0;
-    virtual std::uint32_t addRef() = 0;
-    virtual std::uint32_t release() = 0;
-    virtual std::int32_t createInstance(void* outer, const GUID& iid, void** out) = 0;
-    virtual std::int32_t lockServer(std::int32_t lock) = 0;
-
-protected:
-    ~ClassFactory() = default;
-};
-
 namespace {
+
+/// The system's class factory interface as a record of functions: the factories belong to other
+/// modules, which know nothing of any class declared here.
+struct ClassFactory {
+    struct Table {
+        std::int32_t (*queryInterface)(ClassFactory* self, const GUID& iid, void** out);
+        std::uint32_t (*addRef)(ClassFactory* self);
+        std::uint32_t (*release)(ClassFactory* self);
+        std::int32_t (*createInstance)(ClassFactory* self, void* outer, const GUID& iid,
+                                       void** out);
+        std::int32_t (*lockServer)(ClassFactory* self, std::int32_t lock);
+    };
+
+    const Table* table;
+};
 
 constexpr GUID classFactoryId = {
     0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
@@ -119,8 +120,8 @@ std::int32_t createProcessObject(QVComGetClassObject getClassObject, const GUID&
     }
     auto* factory = static_cast<ClassFactory*>(classObject);
     void* object = nullptr;
-    result = factory->createInstance(outer, iid, &object);
-    factory->release();
+    result = factory->table->createInstance(factory, outer, iid, &object);
+    factory->table->release(factory);
     if (result >= 0) {
         out = object;
     }

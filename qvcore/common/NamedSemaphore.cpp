@@ -17,8 +17,6 @@ namespace {
 /// told to the journal first: who takes the guard next finds it open and carries the change out.
 /// All other changes are single stores.
 struct SemaphoreBlock {
-    static constexpr std::uint32_t expectedMagic = 0x51565331;
-
     /// A change of the count together with an entry's debt, by the values that they shall have.
     struct Journal {
         std::atomic<std::uint32_t> isOpen;
@@ -27,20 +25,19 @@ struct SemaphoreBlock {
         std::atomic<std::uint32_t> entry;
     };
 
-    std::uint32_t magic;
+    SharedHead head;
     /// 1 if it was made with the count 1: then it is a lock, and what a process holds is written
     /// down.
     std::uint32_t isLock;
     std::atomic<std::uint32_t> count;
     Journal journal;
     SharedGuard::Storage guard;
-    ProcessTable processes;
 
     /// Carries out what the journal says, if it is open.
     void replay() noexcept {
         if (journal.isOpen.load() != 0) {
             count.store(journal.count.load());
-            (processes.begin() + journal.entry.load())->held.store(journal.held.load());
+            (head.processes.begin() + journal.entry.load())->held.store(journal.held.load());
             journal.isOpen.store(0);
         }
     }
@@ -48,7 +45,7 @@ struct SemaphoreBlock {
     void change(ProcessEntry& entry, std::uint32_t newCount, std::uint32_t newHeld) noexcept {
         journal.count.store(newCount);
         journal.held.store(newHeld);
-        journal.entry.store(static_cast<std::uint32_t>(&entry - processes.begin()));
+        journal.entry.store(static_cast<std::uint32_t>(&entry - head.processes.begin()));
         journal.isOpen.store(1);
         replay();
     }
@@ -63,7 +60,7 @@ struct SemaphoreBlock {
 
     /// Takes back what processes that ended still held.
     void reclaim() noexcept {
-        for (ProcessEntry& entry : processes) {
+        for (ProcessEntry& entry : head.processes) {
             if (!entry.isFree() && !entry.isRunning()) {
                 giveBack(entry);
                 entry.free();
@@ -87,9 +84,8 @@ public:
     }
 
     std::int32_t open(const std::string& name, std::uint32_t value) {
-        std::int32_t result =
-            openSharedBlock<SemaphoreBlock>(memory_, name, sizeof(SemaphoreBlock), 0600,
-                                            [](const SemaphoreBlock&) { return QV_S_OK; });
+        std::int32_t result = openSharedBlock(memory_, name, sizeof(SemaphoreBlock), 0600,
+                                              [](const void*) { return QV_S_OK; });
         if (result < 0) {
             return result;
         }
@@ -99,7 +95,7 @@ public:
             if (memory_.isNew()) {
                 block_->isLock = value == 1;
                 block_->count.store(value);
-                block_->magic = SemaphoreBlock::expectedMagic;
+                block_->head.magic.store(SharedHead::expectedMagic);
             }
             result = underGuard([](SemaphoreBlock&, ProcessEntry&) { return QV_S_OK; });
         }
@@ -196,10 +192,10 @@ private:
             return entry_;
         }
         const ProcessIdentity self = currentProcess();
-        ProcessEntry* entry = block_->processes.findOrTake(self);
+        ProcessEntry* entry = block_->head.processes.findOrTake(self);
         if (entry == nullptr) {
             block_->reclaim();
-            entry = block_->processes.findOrTake(self);
+            entry = block_->head.processes.findOrTake(self);
         }
         if (entry != nullptr) {
             ++entry->handles;
@@ -223,7 +219,7 @@ private:
             }
             guard_.unlock();
         }
-        if (!block_->processes.isUsed()) {
+        if (!block_->head.processes.isUsed()) {
             memory_.discard();
         }
         memory_.unlock();

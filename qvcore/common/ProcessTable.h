@@ -87,4 +87,20 @@ private:
     std::array<ProcessEntry, capacity> entries_;
 };
 
+/// What every shared block begins with. Zeroed at first; the magic number is set when all of the
+/// block is in order.
+struct SharedHead {
+    static constexpr std::uint32_t expectedMagic = 0x51565331;
+
+    std::atomic<std::uint32_t> magic;
+    ProcessTable processes;
+
+    /// True if the memory begins with a head, and a process uses the block.
+    static bool isInUse(const void* memory, std::size_t size) noexcept {
+        const auto* head = static_cast<const SharedHead*>(memory);
+        return size >= sizeof(SharedHead) && head->magic.load() == expectedMagic &&
+               head->processes.isUsed();
+    }
+};
+
 } // namespace qv::core

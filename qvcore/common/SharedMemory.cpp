@@ -17,11 +17,8 @@ constexpr std::uint32_t writeAccess = 0x40000000;
 
 /// What stands in front of the bytes that the callers see.
 struct MemoryHeader {
-    static constexpr std::uint32_t expectedMagic = 0x51564D31;
-
-    std::uint32_t magic;
+    SharedHead head;
     std::uint32_t size;
-    ProcessTable processes;
 };
 
 /// Where those bytes begin: at a whole page.
@@ -75,18 +72,19 @@ public:
         if (--entry_->handles == 0) {
             entry_->free();
         }
-        if (!header()->processes.isUsed()) {
+        if (!header()->head.processes.isUsed()) {
             memory_.discard();
         }
         memory_.unlock();
     }
 
     std::int32_t open(const std::string& name, std::uint32_t size, std::uint32_t permissions) {
-        const auto isLargeEnough = [size](const MemoryHeader& existing) {
-            return size > existing.size ? QV_E_INVALIDARG : QV_S_OK;
+        const auto isLargeEnough = [size](const void* existing) {
+            return size > static_cast<const MemoryHeader*>(existing)->size ? QV_E_INVALIDARG
+                                                                           : QV_S_OK;
         };
-        const std::int32_t result = openSharedBlock<MemoryHeader>(memory_, name, headerSpace + size,
-                                                                  permissions, isLargeEnough);
+        const std::int32_t result =
+            openSharedBlock(memory_, name, headerSpace + size, permissions, isLargeEnough);
         if (result < 0) {
             return result;
         }
@@ -124,14 +122,14 @@ private:
         }
         header()->size = size;
         const std::int32_t result = join();
-        header()->magic = MemoryHeader::expectedMagic;
+        header()->head.magic.store(SharedHead::expectedMagic);
         return result;
     }
 
     std::int32_t join() noexcept {
         const ProcessIdentity self = currentProcess();
-        header()->processes.freeEnded();
-        entry_ = header()->processes.findOrTake(self);
+        header()->head.processes.freeEnded();
+        entry_ = header()->head.processes.findOrTake(self);
         if (entry_ == nullptr) {
             return QV_E_TOOMANYFILES;
         }

@@ -61,6 +61,9 @@ public:
     /// Takes the name from the block: who opens it next makes a new one. Nothing happens where the
     /// system itself ends a block with its last user. Requires: it is locked.
     void discard() noexcept;
+    /// Does so for all blocks of the user that are not locked and that `isInUse` finds to have no
+    /// user.
+    static void discardUnused(bool (*isInUse)(const void* memory, std::size_t size));
 
 private:
     Parts parts_;

@@ -11,9 +11,7 @@ namespace qv::core {
 
 constexpr char32_t replacementCharacter = 0xFFFD;
 
-constexpr bool isSurrogate(char32_t unit) noexcept {
-    return unit >= 0xD800 && unit <= 0xDFFF;
-}
+constexpr bool isSurrogate(char32_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDFFF; }
 
 /// What was read: a character and the units that it took. Bad input gives `bad`.
 struct Decoded {

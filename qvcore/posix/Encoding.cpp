@@ -20,9 +20,7 @@ std::uintptr_t open(const char* to, const char* from) noexcept {
     return reinterpret_cast<std::uintptr_t>(iconv_open(to, from));
 }
 
-iconv_t converter(std::uintptr_t value) noexcept {
-    return reinterpret_cast<iconv_t>(value);
-}
+iconv_t converter(std::uintptr_t value) noexcept { return reinterpret_cast<iconv_t>(value); }
 
 void close(iconv_t opened) noexcept {
     if (opened != noConverter) {

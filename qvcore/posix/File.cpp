@@ -88,9 +88,7 @@ std::int32_t writeAll(int descriptor, const char* bytes, std::size_t length) noe
 }
 
 /// What fdatasync says about a descriptor that has nothing to sync.
-bool hasNoDisk(int error) noexcept {
-    return error == EINVAL || error == ENOTSUP || error == EROFS;
-}
+bool hasNoDisk(int error) noexcept { return error == EINVAL || error == ENOTSUP || error == EROFS; }
 
 } // namespace
 

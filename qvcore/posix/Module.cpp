@@ -7,7 +7,6 @@
 #include <dlfcn.h>
 #include <mutex>
 #include <pthread.h>
-#include <ranges>
 #include <string>
 #include <vector>
 
@@ -75,9 +74,8 @@ private:
     void runBefore() {
         mutex_.lock();
         std::erase_if(entries_, [](const Entry& entry) { return !entry.isLoaded(); });
-        for (const Entry& entry : std::views::reverse(entries_)) {
-            entry.before();
-        }
+        std::for_each(entries_.rbegin(), entries_.rend(),
+                      [](const Entry& entry) { entry.before(); });
     }
 
     void runAfter() {
@@ -101,6 +99,4 @@ std::int32_t QVModuleOnFork(void (*before)(void), void (*after)(void)) noexcept 
     return core::guarded([=] { return ForkHandlers::instance().add(before, after); });
 }
 
-const char16_t* QVModuleGetCommandLine() noexcept {
-    return nullptr;
-}
+const char16_t* QVModuleGetCommandLine() noexcept { return nullptr; }

@@ -15,9 +15,7 @@ namespace {
 
 constexpr char16_t separator = u'\\';
 
-constexpr bool isSeparator(char16_t unit) noexcept {
-    return unit == u'\\' || unit == u'/';
-}
+constexpr bool isSeparator(char16_t unit) noexcept { return unit == u'\\' || unit == u'/'; }
 
 /// An absolute path that grows part by part.
 class ExpandedPath {

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <linux/futex.h>
 #include <new>
 #include <pthread.h>
@@ -57,9 +58,10 @@ private:
     }
 };
 
-std::string systemName(const std::string& name) {
-    return "/qv-" + std::to_string(geteuid()) + "-" + name;
-}
+/// What the names of all blocks of the user begin with.
+std::string systemPrefix() { return "/qv-" + std::to_string(geteuid()) + "-"; }
+
+std::string systemName(const std::string& name) { return systemPrefix() + name; }
 
 int toDescriptor(std::uintptr_t file) noexcept {
     // 0 means none, so that descriptors are kept one higher.
@@ -90,8 +92,10 @@ public:
         }
     }
 
-    std::int32_t lock() noexcept {
-        if (!file_.isOpen() || restarted([this] { return flock(file_.get(), LOCK_EX); }) == -1 ||
+    /// Fails where the file was not opened. `mode` may say LOCK_NB.
+    std::int32_t lock(int mode = 0) noexcept {
+        if (!file_.isOpen() ||
+            restarted([=, this] { return flock(file_.get(), LOCK_EX | mode); }) == -1 ||
             fstat(file_.get(), &status_) == -1) {
             return lastNativeResult();
         }
@@ -117,9 +121,7 @@ ProcessIdentity currentProcess() noexcept {
     return {id, ProcessStatus(id).start};
 }
 
-std::uint32_t currentProcessId() noexcept {
-    return static_cast<std::uint32_t>(getpid());
-}
+std::uint32_t currentProcessId() noexcept { return static_cast<std::uint32_t>(getpid()); }
 
 bool isRunning(const ProcessIdentity& process) noexcept {
     if (kill(static_cast<pid_t>(process.id), 0) == -1 && errno == ESRCH) {
@@ -129,9 +131,26 @@ bool isRunning(const ProcessIdentity& process) noexcept {
     return !status.isKnown || (!status.hasEnded() && status.start == process.start);
 }
 
-NamedBlock::~NamedBlock() {
-    close();
+namespace {
+
+using IsInUse = bool (*)(const void* memory, std::size_t size);
+
+void discardIfUnused(const std::string& name, IsInUse isInUse) noexcept {
+    LockedFile file(shm_open(name.c_str(), O_RDWR | O_CLOEXEC, 0));
+    void* address = nullptr;
+    if (file.lock(LOCK_NB) < 0 || !file.hasName() || file.size() == 0 ||
+        mapFile(file.get(), file.size(), false, &address) < 0) {
+        return;
+    }
+    if (!isInUse(address, file.size())) {
+        shm_unlink(name.c_str());
+    }
+    munmap(address, file.size());
 }
+
+} // namespace
+
+NamedBlock::~NamedBlock() { close(); }
 
 std::int32_t NamedBlock::openLocked(const std::string& name, std::size_t size,
                                     std::uint32_t permissions) {
@@ -184,15 +203,26 @@ std::int32_t NamedBlock::map(bool isWritable, void** address) const noexcept {
     return mapFile(toDescriptor(parts_.file), parts_.size, isWritable, address);
 }
 
-void NamedBlock::unmap(void* address, std::size_t size) noexcept {
-    munmap(address, size);
-}
+void NamedBlock::unmap(void* address, std::size_t size) noexcept { munmap(address, size); }
 
 void NamedBlock::discard() noexcept {
     // The name may belong to a newer block by now; then it is not this one's to take.
     struct stat own = {};
     if (fstat(toDescriptor(parts_.file), &own) == 0 && own.st_nlink != 0) {
         shm_unlink(name_.c_str());
+    }
+}
+
+void NamedBlock::discardUnused(IsInUse isInUse) {
+    // The blocks are files of this folder, though only their names are used.
+    std::error_code error;
+    std::filesystem::directory_iterator files("/dev/shm", error);
+    const std::string prefix = systemPrefix();
+    for (; !error && files != std::filesystem::directory_iterator(); files.increment(error)) {
+        const std::string name = std::string("/").append(files->path().filename().string());
+        if (name.starts_with(prefix)) {
+            discardIfUnused(name, isInUse);
+        }
     }
 }
 
@@ -248,13 +278,9 @@ std::int32_t SharedGuard::lock() noexcept {
     return QVResultFromNative(static_cast<std::uint32_t>(error));
 }
 
-void SharedGuard::unlock() noexcept {
-    pthread_mutex_unlock(&stateOf(*storage_).mutex);
-}
+void SharedGuard::unlock() noexcept { pthread_mutex_unlock(&stateOf(*storage_).mutex); }
 
-std::uint32_t SharedGuard::mark() const noexcept {
-    return stateOf(*storage_).announcements.load();
-}
+std::uint32_t SharedGuard::mark() const noexcept { return stateOf(*storage_).announcements.load(); }
 
 void SharedGuard::wait(std::uint32_t mark, std::uint32_t timeout) noexcept {
     GuardState& state = stateOf(*storage_);

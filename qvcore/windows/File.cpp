@@ -55,9 +55,7 @@ std::int32_t openFile(const std::wstring& path, std::uint32_t access,
 }
 
 /// What a read says at the end of a file or of a pipe.
-bool isEnd(DWORD error) noexcept {
-    return error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF;
-}
+bool isEnd(DWORD error) noexcept { return error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF; }
 
 } // namespace
 

@@ -4,9 +4,7 @@
 
 #include <windows.h>
 
-std::int32_t QVModuleOnFork(void (*)(void), void (*)(void)) noexcept {
-    return qv::QV_S_OK;
-}
+std::int32_t QVModuleOnFork(void (*)(void), void (*)(void)) noexcept { return qv::QV_S_OK; }
 
 const char16_t* QVModuleGetCommandLine() noexcept {
     return reinterpret_cast<const char16_t*>(GetCommandLineW());

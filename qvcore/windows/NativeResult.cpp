@@ -22,9 +22,7 @@ constexpr std::uint32_t systemFacility = 0x80070000u;
 
 } // namespace
 
-std::int32_t lastNativeResult() noexcept {
-    return QVResultFromNative(GetLastError());
-}
+std::int32_t lastNativeResult() noexcept { return QVResultFromNative(GetLastError()); }
 
 } // namespace qv::core
 

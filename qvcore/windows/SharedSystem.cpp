@@ -8,9 +8,7 @@ namespace qv::core {
 
 namespace {
 
-HANDLE toNative(std::uintptr_t handle) noexcept {
-    return reinterpret_cast<HANDLE>(handle);
-}
+HANDLE toNative(std::uintptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
 
 std::uintptr_t fromNative(HANDLE handle) noexcept {
     return reinterpret_cast<std::uintptr_t>(handle);
@@ -42,9 +40,7 @@ std::uint64_t startOf(HANDLE process) noexcept {
     return (std::uint64_t{start.dwHighDateTime} << 32) | start.dwLowDateTime;
 }
 
-bool hasEnded(HANDLE process) noexcept {
-    return WaitForSingleObject(process, 0) == WAIT_OBJECT_0;
-}
+bool hasEnded(HANDLE process) noexcept { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }
 
 std::int32_t mapView(std::uintptr_t file, bool isWritable, void** address) noexcept {
     const DWORD access = isWritable ? FILE_MAP_READ | FILE_MAP_WRITE : FILE_MAP_READ;
@@ -67,9 +63,7 @@ ProcessIdentity currentProcess() noexcept {
     return {currentProcessId(), startOf(GetCurrentProcess())};
 }
 
-std::uint32_t currentProcessId() noexcept {
-    return GetCurrentProcessId();
-}
+std::uint32_t currentProcessId() noexcept { return GetCurrentProcessId(); }
 
 bool isRunning(const ProcessIdentity& process) noexcept {
     const HANDLE opened =
@@ -82,9 +76,7 @@ bool isRunning(const ProcessIdentity& process) noexcept {
     return result;
 }
 
-NamedBlock::~NamedBlock() {
-    close();
-}
+NamedBlock::~NamedBlock() { close(); }
 
 std::int32_t NamedBlock::openLocked(const std::string& name, std::size_t size, std::uint32_t) {
     name_ = name;
@@ -121,23 +113,19 @@ void NamedBlock::close() noexcept {
     parts_ = {};
 }
 
-std::int32_t NamedBlock::lock() noexcept {
-    return lockMutex(parts_.lock);
-}
+std::int32_t NamedBlock::lock() noexcept { return lockMutex(parts_.lock); }
 
-void NamedBlock::unlock() noexcept {
-    ReleaseMutex(toNative(parts_.lock));
-}
+void NamedBlock::unlock() noexcept { ReleaseMutex(toNative(parts_.lock)); }
 
 std::int32_t NamedBlock::map(bool isWritable, void** address) const noexcept {
     return mapView(parts_.file, isWritable, address);
 }
 
-void NamedBlock::unmap(void* address, std::size_t) noexcept {
-    UnmapViewOfFile(address);
-}
+void NamedBlock::unmap(void* address, std::size_t) noexcept { UnmapViewOfFile(address); }
 
 void NamedBlock::discard() noexcept {}
+
+void NamedBlock::discardUnused(bool (*)(const void*, std::size_t)) {}
 
 SharedGuard::~SharedGuard() {
     closeNative(mutex_);
@@ -154,25 +142,17 @@ std::int32_t SharedGuard::open(Storage& storage, const std::string& name, bool) 
     return event_ == 0 ? lastNativeResult() : QV_S_OK;
 }
 
-std::int32_t SharedGuard::lock() noexcept {
-    return lockMutex(mutex_);
-}
+std::int32_t SharedGuard::lock() noexcept { return lockMutex(mutex_); }
 
-void SharedGuard::unlock() noexcept {
-    ReleaseMutex(toNative(mutex_));
-}
+void SharedGuard::unlock() noexcept { ReleaseMutex(toNative(mutex_)); }
 
 // The event keeps an announcement until a waiter takes it, so no mark is needed.
-std::uint32_t SharedGuard::mark() const noexcept {
-    return 0;
-}
+std::uint32_t SharedGuard::mark() const noexcept { return 0; }
 
 void SharedGuard::wait(std::uint32_t, std::uint32_t timeout) noexcept {
     WaitForSingleObject(toNative(event_), timeout);
 }
 
-void SharedGuard::announce() noexcept {
-    SetEvent(toNative(event_));
-}
+void SharedGuard::announce() noexcept { SetEvent(toNative(event_)); }
 
 } // namespace qv::core

@@ -4,10 +4,6 @@
 
 #include <windows.h>
 
-std::uint32_t QVThreadGetID() noexcept {
-    return GetCurrentThreadId();
-}
+std::uint32_t QVThreadGetID() noexcept { return GetCurrentThreadId(); }
 
-qv::core::ThreadToken qv::core::currentThread() noexcept {
-    return GetCurrentThreadId();
-}
+qv::core::ThreadToken qv::core::currentThread() noexcept { return GetCurrentThreadId(); }

@@ -16,7 +16,8 @@ namespace {
 constexpr std::int32_t fail = static_cast<std::int32_t>(0x80004005);
 
 /// True if a handler for `Base` takes a thrown `Thrown`.
-template <class Base, class Thrown> bool caughtAs(const Thrown& exception) {
+template <class Base, class Thrown>
+bool caughtAs(const Thrown& exception) {
     try {
         throw exception;
     } catch (const Base&) {
@@ -26,7 +27,8 @@ template <class Base, class Thrown> bool caughtAs(const Thrown& exception) {
     }
 }
 
-template <class T> class MessageExceptionTest : public testing::Test {};
+template <class T>
+class MessageExceptionTest : public testing::Test {};
 
 using WithMessage =
     testing::Types<Exception, CastFailedException, ClassNotFoundException, IllegalAccessException,
@@ -58,7 +60,8 @@ TYPED_TEST(MessageExceptionTest, CopySharesTheMessageAndHasAnObjectPartOfItsOwn)
     EXPECT_EQ(copy.getDescription(), u"other");
 }
 
-template <class T> class BareExceptionTest : public testing::Test {};
+template <class T>
+class BareExceptionTest : public testing::Test {};
 
 using WithoutMessage =
     testing::Types<AccessViolationException, ArrayBoundsException, IllegalInstructionException,

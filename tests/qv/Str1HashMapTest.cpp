@@ -11,11 +11,10 @@ namespace {
 
 using Map = Str1HashMap<Str1>;
 
-Str1 key(int number) {
-    return Str1Copy(String(u"key").append(String::valueOf(number)));
-}
+Str1 key(int number) { return Str1Copy(String(u"key").append(String::valueOf(number))); }
 
-template <class V> std::vector<std::u16string> keys(const Str1HashMap<V>& map) {
+template <class V>
+std::vector<std::u16string> keys(const Str1HashMap<V>& map) {
     std::vector<std::u16string> result;
     typename Str1HashMap<V>::KeyValueIterator iterator;
     map.iteratorInit(iterator);

@@ -64,7 +64,8 @@ TEST(AnsiBytesTest, NameIsCopied) {
 // --- Narrow output ---
 
 TEST(StringBytesTest, NarrowFormIsTerminated) {
-    EXPECT_STREQ(String(u"aé€\U0001F600").getBytes(u"UTF-8"), "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+    EXPECT_STREQ(String(u"aé€\U0001F600").getBytes(u"UTF-8"),
+                 "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
     EXPECT_STREQ(String().getBytes(u"UTF-8"), "");
     EXPECT_STREQ(String(u"plain").getBytes(), "plain");
 }
@@ -222,8 +223,8 @@ TEST(StringFormatTest, PlaceholdersMayTouchAndNest) {
 }
 
 TEST(StringFormatTest, ManyIndices) {
-    EXPECT_EQ(String().format(u"{10}{9}{8}{7}{6}{5}{4}{3}{2}{1}{0}", -1, u"a", u"b", u"c", u"d", u"e",
-                              u"f", u"g", u"h", u"i", u"j", u"k"),
+    EXPECT_EQ(String().format(u"{10}{9}{8}{7}{6}{5}{4}{3}{2}{1}{0}", -1, u"a", u"b", u"c", u"d",
+                              u"e", u"f", u"g", u"h", u"i", u"j", u"k"),
               u"kjihgfedcba");
 }
 

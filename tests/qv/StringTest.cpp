@@ -680,7 +680,7 @@ TEST(StringTest, SetsAreSearchedBackward) {
     EXPECT_EQ(text.findLastNotOf(u"value"), 5);
     EXPECT_EQ(text.findLastNotOf(String(u"VALUE ="), -1, true), 2);
     EXPECT_EQ(text.findLastNotOf(u"e", -1, 99), 9);
-    EXPECT_EQ(text.findLastNotOf(u"key"  , -1, 2), -1);
+    EXPECT_EQ(text.findLastNotOf(u"key", -1, 2), -1);
 }
 
 TEST(StringTest, EmptySetFindsNothingNotEvenForTheNotForms) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
@@ -110,7 +111,8 @@ int serveSemaphore(const std::vector<std::string>& arguments) {
             break;
         }
     }
-    return 0;
+    // The process ends without closing what it has open.
+    std::_Exit(0);
 }
 
 /// Takes and posts the lock until the process is killed.
@@ -566,6 +568,8 @@ TEST(SharedMemoryTest, LivesInOtherProcessesOnly) {
     EXPECT_EQ(other.readLine(), "written");
     const Block block(name, 10);
     EXPECT_EQ(block.bytes()[0], 17);
+    other.closeInput();
+    EXPECT_EQ(other.wait(), 0);
 }
 
 TEST(SharedMemoryTest, DoesNotCountTheHandlesOfAKilledProcess) {

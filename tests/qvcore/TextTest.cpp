@@ -85,6 +85,22 @@ TEST(TextCompareTest, ComparesUnitsAsUnsignedNumbers) {
     EXPECT_EQ(QVStrCmpW(u"\xD83D\xDE00", u"\xFF00"), -1);
 }
 
+TEST(TextCompareTest, FindsTheFirstDifferenceOfLongTexts) {
+    // Long enough for the ends of pages, and shifted against each other.
+    const std::u16string text(5000, u'q');
+    const std::u16string shifted = u"abc" + text;
+    EXPECT_EQ(QVStrCmpW(text.c_str(), shifted.c_str() + 3), 0);
+    for (std::size_t place = 0; place < text.size(); place += 7) {
+        std::u16string other = shifted;
+        other[place + 3] = u'r';
+        ASSERT_EQ(QVStrCmpW(text.c_str(), other.c_str() + 3), -1);
+        ASSERT_EQ(QVStrCmpW(other.c_str() + 3, text.c_str()), 1);
+        other[place + 3] = 0;
+        ASSERT_EQ(QVStrCmpW(text.c_str(), other.c_str() + 3), 1);
+        ASSERT_EQ(QVStrCmpW(other.c_str() + 3, text.c_str()), -1);
+    }
+}
+
 TEST(TextCompareTest, IgnoresCaseByTheLowerForms) {
     EXPECT_EQ(QVStrICmpW(u"", u""), 0);
     EXPECT_EQ(QVStrICmpW(u"HeLLo", u"hEllO"), 0);

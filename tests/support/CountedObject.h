@@ -8,7 +8,9 @@ namespace support {
 class CountedObject : public qv::Object {
 public:
     explicit CountedObject(int& alive) : alive_(alive) { ++alive_; }
-    CountedObject(const CountedObject& other) : qv::Object(other), alive_(other.alive_) { ++alive_; }
+    CountedObject(const CountedObject& other) : qv::Object(other), alive_(other.alive_) {
+        ++alive_;
+    }
     ~CountedObject() noexcept override { --alive_; }
 
     using qv::Object::InternalAddRef;

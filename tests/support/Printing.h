@@ -25,8 +25,9 @@ inline std::u16string units(const qv::String& text) {
 }
 
 inline std::u16string units(const qv::Str1& text) {
-    return text.isEmpty() ? std::u16string()
-                          : std::u16string(text.getData1(), static_cast<std::size_t>(text.getLength()));
+    return text.isEmpty()
+               ? std::u16string()
+               : std::u16string(text.getData1(), static_cast<std::size_t>(text.getLength()));
 }
 
 } // namespace support

@@ -7,7 +7,8 @@
 namespace support {
 
 /// The result of the ResultException that `work` throws; fails the test if it throws none.
-template <class Work> std::int32_t thrownResult(Work work) {
+template <class Work>
+std::int32_t thrownResult(Work work) {
     try {
         work();
     } catch (const qv::ResultException& exception) {
@@ -18,7 +19,8 @@ template <class Work> std::int32_t thrownResult(Work work) {
 }
 
 /// The description of the `Thrown` that `work` throws, in UTF-8; fails the test if it throws none.
-template <class Thrown, class Work> std::string thrownText(Work work) {
+template <class Thrown, class Work>
+std::string thrownText(Work work) {
     try {
         work();
     } catch (const Thrown& exception) {

@@ -25,7 +25,8 @@ public:
     /// The parameter at an index, the command's name being the first; empty where there is none.
     qv::String parameter(int index) const;
 
-    /// @throws UsageError for an option that no rule allows, one whose value is missing or not wanted, and
+    /// @throws UsageError for an option that no rule allows, one whose value is missing or not
+    /// wanted, and
     ///     for more than `parameters` parameters.
     void check(std::span<const OptionRule> rules, int parameters) const;
 

@@ -23,8 +23,8 @@ namespace {
 constexpr std::int32_t chunkSize = 1 << 16; // bytes
 constexpr std::int32_t wordSize = 4;        // bytes of the widest fixed-size encoding
 
-/// Carries bytes through a decoder and an encoder. What a converter leaves at the end of a chunk opens the
-/// next one.
+/// Carries bytes through a decoder and an encoder. What a converter leaves at the end of a chunk
+/// opens the next one.
 class Conversion {
 public:
     Conversion(const String& from, const String& to, bool strict, OutputStream& out)
@@ -58,7 +58,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t reserve = 64; // units that a converter wants free behind its output
+    static constexpr std::size_t reserve =
+        64; // units that a converter wants free behind its output
 
     void decode(std::int32_t end) {
         std::int32_t consumed = 0;
@@ -140,8 +141,7 @@ void runConvert(const Arguments& arguments) {
     refuseSameFile(inPath, outPath);
     const Reference<InputStream> in = openInput(inPath);
     const Reference<OutputStream> out = openOutput(outPath);
-    const auto conversion =
-        std::make_unique<Conversion>(from, to, arguments.has(u"strict"), *out);
+    const auto conversion = std::make_unique<Conversion>(from, to, arguments.has(u"strict"), *out);
     conversion->run(*in);
 }
 

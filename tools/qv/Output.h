@@ -11,7 +11,8 @@ public:
     Output();
 
     /// Prints the parts one behind the other, and ends the line.
-    template <class... Parts> void line(const Parts&... parts) {
+    template <class... Parts>
+    void line(const Parts&... parts) {
         (writer_->print(parts), ...);
         writer_->println();
     }

@@ -6,8 +6,8 @@
 
 namespace qv::io::detail {
 
-/// Opens a file with the access bits of the platform, and with permissions for its owner alone where it
-/// is made.
+/// Opens a file with the access bits of the platform, and with permissions for its owner alone
+/// where it is made.
 /// @throws ResultException with the platform's result.
 inline std::uint64_t openFile(const String& path, std::uint32_t access) {
     constexpr std::uint32_t ownerOnly = 0700;

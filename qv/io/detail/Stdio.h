@@ -14,8 +14,8 @@ inline void writeByte(std::FILE* file, signed char byte) {
     }
 }
 
-/// Kept: goes past the runtime stream's buffer, so that a block can overtake single bytes unless `flush`
-/// is called between them.
+/// Kept: goes past the runtime stream's buffer, so that a block can overtake single bytes unless
+/// `flush` is called between them.
 inline void writeBlock(std::FILE* file, const signed char* bytes, std::int32_t length) {
     const std::int32_t result =
         length < 1 ? 0 : QVStreamWriteDirect(file, bytes, static_cast<std::uint32_t>(length));

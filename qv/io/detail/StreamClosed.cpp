@@ -4,8 +4,6 @@
 
 namespace qv::io::detail {
 
-void throwStreamClosed() {
-    throw IoException(u"stream closed");
-}
+void throwStreamClosed() { throw IoException(u"stream closed"); }
 
 } // namespace qv::io::detail

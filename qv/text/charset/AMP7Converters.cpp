@@ -2,6 +2,7 @@
 
 #include "qv/Exceptions.h"
 #include "qv/text/charset/detail/Surrogates.h"
+#include "qv/text/charset/detail/UnitRuns.h"
 
 #include <algorithm>
 #include <charconv>
@@ -88,19 +89,13 @@ std::optional<Step> readStep(std::string_view text) noexcept {
     return text.starts_with("&_") ? readNumber(text) : readKeyword(text);
 }
 
-/// True for what the encoder writes as it stands.
-constexpr bool isPlain(std::uint32_t character) noexcept {
-    return (character >= 0x20 && character <= 0x7E) || character == u'\t' || character == u'\n' ||
-           character == u'\r';
-}
-
 /// A form of the encoder.
 class Form {
 public:
     explicit Form(std::uint32_t character) noexcept {
         if (character == u'&') {
             append("&AMP;");
-        } else if (isPlain(character)) {
+        } else if (detail::PlainUnitRun::has(character)) {
             text_[length_++] = static_cast<char>(character);
         } else {
             append("&_");
@@ -134,8 +129,9 @@ std::int32_t BTCAMP7::convert(const signed char* src, std::int32_t* srcPos, std:
                               char16_t* dst, std::int32_t* dstPos, std::int32_t dstEnd) {
     detail::Decoding decoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     bool goesOn = true;
-    while (goesOn && decoding.available() > 0 && decoding.room() > 0) {
-        goesOn = convertStep(decoding);
+    while (goesOn) {
+        detail::widenRun<detail::PlainByteRun>(decoding);
+        goesOn = decoding.available() > 0 && decoding.room() > 0 && convertStep(decoding);
     }
     return decoding.commit();
 }
@@ -174,8 +170,9 @@ std::int32_t CTBAMP7::convert(const char16_t* src, std::int32_t* srcPos, std::in
                               signed char* dst, std::int32_t* dstPos, std::int32_t dstEnd) {
     detail::Encoding encoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     bool goesOn = true;
-    while (goesOn && encoding.available() > 0) {
-        goesOn = convertCharacter(encoding);
+    while (goesOn) {
+        detail::narrowRun<detail::PlainUnitRun>(encoding);
+        goesOn = encoding.available() > 0 && convertCharacter(encoding);
     }
     return encoding.commit();
 }

@@ -8,6 +8,32 @@
 
 namespace qv::text::charset {
 
+namespace {
+
+/// Runs that a table is used for before runs without one are looked for again.
+constexpr int tableRuns = 4;
+
+/// Decodes runs in which every byte has a character.
+void decodeRunByTable(detail::Decoding& decoding, const char16_t* table) noexcept {
+    for (int run = 0; run < tableRuns; ++run) {
+        if (std::min(decoding.available(), decoding.room()) < detail::unitsPerRun) {
+            return;
+        }
+        bool isWhole = true;
+        for (int i = 0; i < detail::unitsPerRun; ++i) {
+            decoding.out[i] = table[static_cast<unsigned char>(decoding.in[i])];
+            isWhole &= decoding.out[i] != detail::replacementChar;
+        }
+        if (!isWhole) {
+            return;
+        }
+        decoding.in += detail::unitsPerRun;
+        decoding.out += detail::unitsPerRun;
+    }
+}
+
+} // namespace
+
 std::int32_t BTCSingleByte::convert(const signed char* src, std::int32_t* srcPos,
                                     std::int32_t srcEnd, char16_t* dst, std::int32_t* dstPos,
                                     std::int32_t dstEnd) {
@@ -30,6 +56,7 @@ void BTCSingleByte::convertByTable(detail::Decoding& decoding, const char16_t* t
     bool goesOn = true;
     while (goesOn && decoding.available() > 0) {
         takeRun(decoding);
+        decodeRunByTable(decoding, table);
         const signed char* const next =
             decoding.in + std::min<std::ptrdiff_t>(decoding.available(), detail::unitsBetweenRuns);
         while (goesOn && decoding.in < next) {

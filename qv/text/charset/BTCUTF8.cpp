@@ -84,7 +84,7 @@ std::int32_t BTCUTF8::convert(const signed char* src, std::int32_t* srcPos, std:
     bool goesOn = true;
     while (goesOn && decoding.available() > 0) {
         blocks.decode(decoding);
-        detail::widenAscii(decoding);
+        detail::widenRun<detail::AsciiRun>(decoding);
         const signed char* const next =
             decoding.in + std::min<std::ptrdiff_t>(decoding.available(), detail::utf8BlockBytes);
         while (goesOn && decoding.in < next) {

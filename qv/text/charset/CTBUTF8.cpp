@@ -36,7 +36,7 @@ std::int32_t CTBUTF8::convert(const char16_t* src, std::int32_t* srcPos, std::in
     while (goesOn && encoding.available() > 0) {
         if (!pending_.isSet()) {
             blocks.encode(encoding);
-            detail::narrowUnits<0x7F>(encoding);
+            detail::narrowRun<detail::AsciiRun>(encoding);
         }
         const char16_t* const next =
             encoding.in + std::min<std::ptrdiff_t>(encoding.available(), detail::utf8BlockUnits);

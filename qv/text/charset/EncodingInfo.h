@@ -16,13 +16,13 @@ struct QVEncInfo {
 /// stores the number of rows there and returns QV_E_BUFFERTOOSMALL, so that a first call with 0 and
 /// a null buffer asks for the size. Thread safety: immutable, all three.
 /// @return 0; QV_E_INVALIDARG for a null `count`, or a null `buffer` with places in `*count`.
-QV_API std::int32_t QVEnumerateEncInfo(unsigned int* count, QVEncInfo* buffer) noexcept;
+QV_FLAT_API std::int32_t QVEnumerateEncInfo(unsigned int* count, QVEncInfo* buffer) noexcept;
 /// @return 0; QV_E_INVALIDARG for a null `out`; QV_E_FAIL for a code page without a row.
-QV_API std::int32_t QVGetEncInfoByCodePage(unsigned int codePage, QVEncInfo* out) noexcept;
+QV_FLAT_API std::int32_t QVGetEncInfoByCodePage(unsigned int codePage, QVEncInfo* out) noexcept;
 /// Finds an encoding by its name, one of its aliases or its code page in decimal, without regard to
 /// case.
 /// @return 0; QV_E_INVALIDARG for a null argument; QV_E_FAIL for an unknown name.
-QV_API std::int32_t QVGetEncInfoByName(const char16_t* name, QVEncInfo* out) noexcept;
+QV_FLAT_API std::int32_t QVGetEncInfoByName(const char16_t* name, QVEncInfo* out) noexcept;
 
 namespace qv::text::charset {
 

@@ -53,7 +53,7 @@ std::int32_t BTCASCII::convert(const signed char* src, std::int32_t* srcPos, std
         return BTCSingleByte::convert(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     }
     detail::Decoding decoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
-    convertByTable(decoding, detail::asciiPage.data(), &detail::widenAscii);
+    convertByTable(decoding, detail::asciiPage.data(), &detail::widenRun<detail::AsciiRun>);
     return decoding.commit();
 }
 
@@ -70,7 +70,7 @@ std::int32_t CTBASCII::convert(const char16_t* src, std::int32_t* srcPos, std::i
     }
     detail::Encoding encoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     convertByTable(encoding, detail::asciiInverse.pages.data(), detail::asciiInverse.bytes.data(),
-                   &detail::narrowUnits<0x7F>);
+                   &detail::narrowRun<detail::AsciiRun>);
     return encoding.commit();
 }
 
@@ -101,7 +101,7 @@ std::int32_t CTBISO8859_1::convert(const char16_t* src, std::int32_t* srcPos, st
     }
     detail::Encoding encoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     convertByTable(encoding, detail::latin1Inverse.pages.data(), detail::latin1Inverse.bytes.data(),
-                   &detail::narrowUnits<0xFF>);
+                   &detail::narrowRun<detail::Latin1Run>);
     return encoding.commit();
 }
 
@@ -118,8 +118,10 @@ std::int32_t BTCSingleByteTable::convert(const signed char* src, std::int32_t* s
                                          std::int32_t srcEnd, char16_t* dst, std::int32_t* dstPos,
                                          std::int32_t dstEnd) {
     detail::Decoding decoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
-    if (isExactly<BTCCP437, BTCCP1252>(*this)) {
-        convertByTable(decoding, table_, &detail::widenAscii);
+    if (isExactly<BTCCP437>(*this)) {
+        convertByTable(decoding, table_, &detail::widenRun<detail::AsciiRun>);
+    } else if (isExactly<BTCCP1252>(*this)) {
+        convertByTable(decoding, table_, &detail::widenRun<detail::Cp1252Run>);
     } else if (isExactly<BTCSingleByteTable>(*this)) {
         convertByTable(decoding, table_, &takeNoRun<detail::Decoding>);
     } else {
@@ -142,8 +144,10 @@ std::int32_t CTBSingleByteTable::convert(const char16_t* src, std::int32_t* srcP
                                          std::int32_t srcEnd, signed char* dst,
                                          std::int32_t* dstPos, std::int32_t dstEnd) {
     detail::Encoding encoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
-    if (isExactly<CTBCP437, CTBCP1252>(*this)) {
-        convertByTable(encoding, pages_, bytes_, &detail::narrowUnits<0x7F>);
+    if (isExactly<CTBCP437>(*this)) {
+        convertByTable(encoding, pages_, bytes_, &detail::narrowRun<detail::AsciiRun>);
+    } else if (isExactly<CTBCP1252>(*this)) {
+        convertByTable(encoding, pages_, bytes_, &detail::narrowRun<detail::Cp1252Run>);
     } else if (isExactly<CTBSingleByteTable>(*this)) {
         convertByTable(encoding, pages_, bytes_, &takeNoRun<detail::Encoding>);
     } else {

@@ -13,7 +13,8 @@ using namespace qv::util;
 
 namespace {
 
-template <class Unit> std::vector<Unit> numbered(int count) {
+template <class Unit>
+std::vector<Unit> numbered(int count) {
     std::vector<Unit> units;
     for (int i = 0; i < count; ++i) {
         units.push_back(static_cast<Unit>('A' + i % 26));
@@ -21,12 +22,14 @@ template <class Unit> std::vector<Unit> numbered(int count) {
     return units;
 }
 
-template <class Unit> std::vector<Unit> content(const AbstractBuffer<Unit>& buffer) {
+template <class Unit>
+std::vector<Unit> content(const AbstractBuffer<Unit>& buffer) {
     return {buffer.getData(), buffer.getData() + buffer.getLength()};
 }
 
 /// Shows how much room a buffer has: the size below which it does not move its units.
-template <class Unit> bool holds(RWBuffer<Unit>& buffer, int capacity) {
+template <class Unit>
+bool holds(RWBuffer<Unit>& buffer, int capacity) {
     const Unit* const before = buffer.getData();
     const int length = buffer.getLength();
     const bool stayed = buffer.ensureCapacity(capacity) == before;
@@ -35,9 +38,12 @@ template <class Unit> bool holds(RWBuffer<Unit>& buffer, int capacity) {
     return stayed;
 }
 
-template <class Unit> class RWBufferTest : public testing::Test {};
-template <class Unit> class ROBufferTest : public testing::Test {};
-template <class Unit> class BufferComponentTest : public testing::Test {};
+template <class Unit>
+class RWBufferTest : public testing::Test {};
+template <class Unit>
+class ROBufferTest : public testing::Test {};
+template <class Unit>
+class BufferComponentTest : public testing::Test {};
 using Units = testing::Types<signed char, char16_t>;
 TYPED_TEST_SUITE(RWBufferTest, Units);
 TYPED_TEST_SUITE(ROBufferTest, Units);

@@ -11,7 +11,8 @@ using namespace qv::util;
 
 namespace {
 
-/// The elements of a parsed line, written down: `name(value|value)` for an option, `value` for a parameter.
+/// The elements of a parsed line, written down: `name(value|value)` for an option, `value` for a
+/// parameter.
 std::string written(const CommandLineParser& parser) {
     std::string text;
     for (int i = 0; i < parser.getElementCount(); ++i) {
@@ -23,7 +24,8 @@ std::string written(const CommandLineParser& parser) {
         }
         std::string values;
         for (int v = 0; v < element->getValueCount(); ++v) {
-            values += (v > 0 ? "|" : "") + std::string(element->getValueString(v).getBytes(u"UTF-8"));
+            values +=
+                (v > 0 ? "|" : "") + std::string(element->getValueString(v).getBytes(u"UTF-8"));
         }
         text += i > 0 ? " " : "";
         text += parameter ? values

@@ -179,9 +179,7 @@ TEST(FilePathTest, DelimitersAreFixed) {
     EXPECT_EQ(FilePath::pathDelim, u';');
 }
 
-TEST(FilePathTest, ChildPathIsAlwaysEmpty) {
-    EXPECT_EQ(FilePath(u"a").getChildPath(u"b"), u"");
-}
+TEST(FilePathTest, ChildPathIsAlwaysEmpty) { EXPECT_EQ(FilePath(u"a").getChildPath(u"b"), u""); }
 
 TEST(FilePathTest, AbsolutePathStandsBehindTheCurrentDirectory) {
     const String current = FilePath::getCurrentDir();

@@ -1,14 +1,13 @@
 #include "qvcore/Console.h"
 
+#include "tests/qvcore/TestProcess.h"
 #include "tests/support/ChildRole.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <spawn.h>
-#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <thread>
@@ -16,11 +15,11 @@
 
 namespace {
 
-/// A new session with a terminal of its own, in which the test program plays the role "tell-keys".
+/// A new session with a terminal of its own, in which the test program plays a role.
 /// This side sees what the program writes and the terminal's mode.
 class TerminalSession {
 public:
-    TerminalSession() {
+    explicit TerminalSession(const std::string& role = "tell-keys") {
         master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
         EXPECT_EQ(grantpt(master_), 0);
         EXPECT_EQ(unlockpt(master_), 0);
@@ -34,7 +33,7 @@ public:
         posix_spawnattr_t attributes;
         posix_spawnattr_init(&attributes);
         posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-        std::string arguments[] = {support::programPath(), "--child", "tell-keys"};
+        std::string arguments[] = {support::programPath(), "--child", role};
         char* pointers[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
         EXPECT_EQ(posix_spawn(&child_, "/proc/self/exe", &actions, &attributes, pointers, environ),
                   0);
@@ -44,9 +43,10 @@ public:
     }
 
     ~TerminalSession() {
-        kill(child_, SIGKILL);
-        int status = 0;
-        waitpid(child_, &status, 0);
+        if (!isOver_) {
+            kill(child_, SIGKILL);
+            await();
+        }
         close(slave_);
         close(master_);
     }
@@ -85,10 +85,11 @@ public:
     }
 
     void signal(int number) const { kill(child_, number); }
-    /// @return the status of the child's next change.
-    int await(int options = 0) const {
+    /// @return the status with which the program ended.
+    int await() {
         int status = 0;
-        EXPECT_EQ(waitpid(child_, &status, options), child_);
+        EXPECT_EQ(waitpid(child_, &status, 0), child_);
+        isOver_ = true;
         return status;
     }
 
@@ -96,21 +97,56 @@ private:
     int master_ = -1;
     int slave_ = -1;
     pid_t child_ = 0;
+    bool isOver_ = false;
     termios before_ = {};
 };
 
-int tellKeyAndSignals(const std::vector<std::string>&) {
-    static volatile std::sig_atomic_t arrived;
-    std::signal(SIGUSR1, [](int) { arrived = 1; });
-    std::printf("ready\n");
-    std::fflush(stdout);
+/// Tells a key, and whether the program's own signal handler ran meanwhile.
+int tellKeyAndSignal(const std::vector<std::string>&) {
+    static volatile std::sig_atomic_t hasArrived;
+    std::signal(SIGUSR1, [](int) {
+        hasArrived = 1;
+        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "signal\n", 7);
+    });
+    coretest::tell("ready");
     std::int32_t key = 0;
     const std::int32_t result = QVConsoleReadKey(&key);
-    std::printf("%d %d %d\n", result, key, static_cast<int>(arrived));
+    coretest::tell(std::to_string(result) + " " + std::to_string(key) + " " +
+                   std::to_string(hasArrived));
     return 0;
 }
 
-const support::ChildRole signalRole("tell-key-and-signals", tellKeyAndSignals);
+/// Leads a session whose foreground process tells a key: stops it, tells how it finds the terminal,
+/// and lets it go on.
+int stopKeyReader(const std::vector<std::string>&) {
+    const pid_t reader = fork();
+    if (reader == 0) {
+        setpgid(0, 0);
+        std::signal(SIGTTOU, SIG_IGN);
+        tcsetpgrp(STDIN_FILENO, getpid());
+        coretest::tell("ready");
+        std::int32_t key = 0;
+        QVConsoleReadKey(&key);
+        coretest::tell(std::to_string(key));
+        return 0;
+    }
+    std::signal(SIGTTOU, SIG_IGN);
+    termios now = {};
+    do {
+        tcgetattr(STDIN_FILENO, &now);
+    } while ((now.c_lflag & ICANON) != 0);
+    kill(reader, SIGTSTP);
+    int status = 0;
+    waitpid(reader, &status, WUNTRACED);
+    tcgetattr(STDIN_FILENO, &now);
+    coretest::tell(WIFSTOPPED(status) && (now.c_lflag & ICANON) != 0 ? "restored" : "not restored");
+    kill(reader, SIGCONT);
+    waitpid(reader, &status, 0);
+    return 0;
+}
+
+const support::ChildRole signalRole("tell-key-and-signal", tellKeyAndSignal);
+const support::ChildRole stopRole("stop-key-reader", stopKeyReader);
 
 } // namespace
 
@@ -161,13 +197,22 @@ TEST(PosixConsoleTest, RestoresTheTerminalWhenASignalEndsTheProcess) {
 }
 
 TEST(PosixConsoleTest, RestoresTheTerminalWhileTheProcessIsStopped) {
-    TerminalSession session;
-    session.awaitRaw(true);
-    session.signal(SIGTSTP);
-    session.awaitRaw(false);
-    EXPECT_TRUE(session.isRestored());
-    session.signal(SIGCONT);
+    TerminalSession session("stop-key-reader");
+    EXPECT_EQ(session.readLine(), "restored");
     session.awaitRaw(true);
     session.type("a");
     EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleTest, LetsTheProgramsOwnHandlerRunAndReadsOn) {
+    TerminalSession session("tell-key-and-signal");
+    session.awaitRaw(true);
+    session.signal(SIGUSR1);
+    EXPECT_EQ(session.readLine(), "signal");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "0 97 1");
+    EXPECT_EQ(session.await(), 0);
 }

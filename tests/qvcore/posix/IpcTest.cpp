@@ -4,6 +4,7 @@
 #include "tests/qvcore/Results.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
@@ -27,20 +28,14 @@ int inFork(Work work) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-std::set<std::string> sharedFiles() {
+/// The files of shared memory that this process has mapped.
+std::set<std::string> mappedFiles() {
     std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
-        names.insert(entry.path().filename().string());
-    }
-    return names;
-}
-
-/// The files that came since `before`.
-std::vector<std::string> newFiles(const std::set<std::string>& before) {
-    std::vector<std::string> names;
-    for (const std::string& name : sharedFiles()) {
-        if (!before.contains(name)) {
-            names.push_back(name);
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        const std::size_t path = line.find("/dev/shm/");
+        if (path != std::string::npos) {
+            names.insert(line.substr(path));
         }
     }
     return names;
@@ -49,16 +44,46 @@ std::vector<std::string> newFiles(const std::set<std::string>& before) {
 } // namespace
 
 TEST(PosixIpcTest, LeavesNoFileBehind) {
-    const std::set<std::string> before = sharedFiles();
     const std::string name = uniqueName();
     std::uint64_t semaphore = 0;
     std::uint64_t memory = 0;
     ASSERT_EQ(QVNamedSemOpen(name.c_str(), 1, &semaphore), 0);
     ASSERT_EQ(QVSharedMemOpen(name.c_str(), 0, 0, 10, &memory), 0);
-    EXPECT_EQ(newFiles(before).size(), 2u);
+    const std::set<std::string> files = mappedFiles();
+    EXPECT_EQ(files.size(), 2u);
+    for (const std::string& file : files) {
+        EXPECT_TRUE(std::filesystem::exists(file));
+    }
     EXPECT_EQ(QVNamedSemClose(semaphore), 0);
     EXPECT_EQ(QVSharedMemClose(memory), 0);
-    EXPECT_EQ(newFiles(before), std::vector<std::string>());
+    for (const std::string& file : files) {
+        EXPECT_FALSE(std::filesystem::exists(file));
+    }
+}
+
+TEST(PosixIpcTest, ClearsAwayTheFilesOfKilledProcesses) {
+    // The child's file is known to the parent by its name alone.
+    const std::string name = uniqueName() + "-child";
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        std::uint64_t handle = 0;
+        QVNamedSemOpen(name.c_str(), 1, &handle);
+        const std::string file = *mappedFiles().begin();
+        _exit(write(ends[1], file.data(), file.size()) > 0 ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    std::string file(200, ' ');
+    file.resize(static_cast<std::size_t>(read(ends[0], file.data(), file.size())));
+    close(ends[0]);
+    close(ends[1]);
+    EXPECT_NE(file.find("/dev/shm/"), std::string::npos);
+    std::uint64_t other = 0;
+    ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &other), 0);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_EQ(QVNamedSemClose(other), 0);
 }
 
 TEST(PosixIpcTest, TellsAForkedChildFromItsParent) {

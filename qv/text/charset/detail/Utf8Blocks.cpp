@@ -14,9 +14,6 @@ namespace {
 
 constexpr int vectorBytes = 16;
 
-__m128i splat8(int byte) noexcept { return _mm_set1_epi8(static_cast<char>(byte)); }
-__m128i splat16(int word) noexcept { return _mm_set1_epi16(static_cast<short>(word)); }
-
 __m128i loadRow(const unsigned char* row) noexcept {
     return _mm_load_si128(reinterpret_cast<const __m128i*>(row));
 }
@@ -328,26 +325,53 @@ QV_TARGET_SSE42 inline bool hasSurrogates(__m128i units) noexcept {
     return !_mm_testz_si128(found, found);
 }
 
+/// Converts blocks that are ASCII.
+QV_TARGET_SSE42 inline void narrowBlocks(Encoding& encoding) noexcept {
+    while (encoding.available() >= utf8BlockUnits && encoding.room() >= utf8BlockUnits) {
+        const __m128i first = loadVector(encoding.in);
+        const __m128i second = loadVector(encoding.in + 8);
+        if (!hasNone(_mm_or_si128(first, second), 0xFF80)) {
+            return;
+        }
+        storeVector(encoding.out, _mm_packus_epi16(first, second));
+        encoding.in += utf8BlockUnits;
+        encoding.out += utf8BlockUnits;
+    }
+}
+
 /// Bytes that eight units may take, scratch included.
 constexpr int encodedRoom = 32;
 
-QV_TARGET_SSE42 void encodeSse42(Encoding& encoding) noexcept {
-    narrowUnits<0x7F>(encoding);
-    while (encoding.available() >= 16 && encoding.room() >= 2 * encodedRoom) {
+QV_TARGET_SSE42 inline bool canEncode(const Encoding& encoding) noexcept {
+    return encoding.available() >= utf8BlockUnits && encoding.room() >= 2 * encodedRoom;
+}
+
+/// Blocks behind one that is not ASCII which are not taken for ASCII either: in most languages
+/// other letters come again soon, and a branch that goes either way costs more than the longer
+/// path.
+constexpr int blocksWithoutAscii = 8;
+
+/// Converts blocks of any letters. @return false at a surrogate.
+QV_TARGET_SSE42 inline bool encodeLetters(Encoding& encoding) noexcept {
+    for (int block = 0; block < blocksWithoutAscii && canEncode(encoding); ++block) {
         const __m128i first = loadVector(encoding.in);
         const __m128i second = loadVector(encoding.in + 8);
-        const __m128i both = _mm_or_si128(first, second);
-        if (hasNone(both, 0xFF80)) {
-            storeVector(encoding.out, _mm_packus_epi16(first, second));
-            encoding.out += 16;
-        } else if (hasNone(both, 0xF800)) {
+        if (hasNone(_mm_or_si128(first, second), 0xF800)) {
             encoding.out = writePairs(writePairs(encoding.out, first), second);
         } else if (!hasSurrogates(first) && !hasSurrogates(second)) {
             encoding.out = writeTriples(writeTriples(encoding.out, first), second);
         } else {
-            return;
+            return false;
         }
-        encoding.in += 16;
+        encoding.in += utf8BlockUnits;
+    }
+    return true;
+}
+
+QV_TARGET_SSE42 void encodeSse42(Encoding& encoding) noexcept {
+    narrowBlocks(encoding);
+    while (canEncode(encoding) && encodeLetters(encoding)) {
+        narrowBlocks(encoding);
     }
 }
 
@@ -358,8 +382,8 @@ bool supportsSse42() noexcept {
 
 // --- Every processor ---
 
-void decodeAscii(Decoding& decoding) noexcept { widenAscii(decoding); }
-void encodeAscii(Encoding& encoding) noexcept { narrowUnits<0x7F>(encoding); }
+void decodeAscii(Decoding& decoding) noexcept { widenRun<AsciiRun>(decoding); }
+void encodeAscii(Encoding& encoding) noexcept { narrowRun<AsciiRun>(encoding); }
 bool supportsAlways() noexcept { return true; }
 
 constexpr Utf8Blocks all[] = {

@@ -1,0 +1,20 @@
+#include "tests/support/SharedModule.h"
+
+#include <windows.h>
+
+namespace support {
+
+SharedModule::SharedModule(const std::string& path)
+    : handle_(LoadLibraryA((path + ".dll").c_str())) {}
+
+SharedModule::~SharedModule() {
+    if (handle_ != nullptr) {
+        FreeLibrary(static_cast<HMODULE>(handle_));
+    }
+}
+
+SharedModule::AnyFunction* SharedModule::address(const char* name) const {
+    return reinterpret_cast<AnyFunction*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+}
+
+} // namespace support

@@ -1,0 +1,94 @@
+#!/usr/bin/env bash
+# Uses the command-line program as a shell user would, on real and on hostile input.
+#
+#   qv-test.sh [RUNNER] PROGRAM
+set -uo pipefail
+qv=("$@")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failures=0
+checks=0
+
+# check NAME EXPECTED ACTUAL
+check() {
+    checks=$((checks + 1))
+    if [ "$2" != "$3" ]; then
+        failures=$((failures + 1))
+        printf 'FAILED %s\n  expected: %s\n  actual:   %s\n' "$1" "$2" "$3"
+    fi
+}
+
+# fails NAME EXIT-CODE TEXT COMMAND...: exit code and the whole of standard error
+fails() {
+    local name=$1 code=$2 text=$3
+    shift 3
+    local message
+    message=$("$@" 2>&1 >/dev/null </dev/null)
+    check "$name: exit code" "$code" $?
+    check "$name: standard error" "$text" "$(tr -d '\r' <<<"$message")"
+}
+
+hex() { od -An -tx1 -v | tr -d ' \n'; }
+
+# Under Wine a path of this system is one of its drive Z, but for the separator.
+path() { printf '%s' "$1"; }
+
+check version "qv 7.0.0" "$("${qv[@]}" version)"
+check "help names every command" 8 "$("${qv[@]}" help | grep -c '^  ')"
+check "help of a command" "usage: qv lock -name=NAME [-hold=MILLISECONDS]" "$("${qv[@]}" help lock | head -1)"
+check "encodings are sorted" "" "$("${qv[@]}" encodings | cut -f1 | LC_ALL=C sort -c 2>&1)"
+check "encodings: code page and alias" "$(printf 'CP1252\t1252\tWINDOWS-1252\tbuiltin')" \
+    "$("${qv[@]}" encodings | grep '^CP1252')"
+check "encodings: nothing serves it" "$(printf 'EUCJP\t20932\tEUC-JP,EUC_JP\tmissing')" \
+    "$("${qv[@]}" encodings | grep '^EUCJP')"
+check "encodings: all of them" 33 "$("${qv[@]}" encodings | wc -l)"
+check "classes: with a factory" "$(printf 'CQVString\t+')" "$("${qv[@]}" classes | grep '^CQVString	')"
+check "classes: without a factory" "$(printf 'CQVReader\t-')" "$("${qv[@]}" classes | grep '^CQVReader')"
+check path "root=C:\\ absolute=true unc=false drive=C: directory=C:\\x name=a.b.c basename=a.b extension=.c parent=C:\\x text=C:\\x\\a.b.c" \
+    "$("${qv[@]}" path '-text=C:/x/a.b.c' | tr '\n' ' ' | sed 's/ $//')"
+check normalize 'b/c' "$("${qv[@]}" normalize -text=a/../b/./c -slash=forward)"
+check "normalize: native" 'b\c' "$("${qv[@]}" normalize -text=a/../b//c)"
+check "normalize: comma in the text" 'a,b\c' "$("${qv[@]}" normalize -text=a,b/c)"
+check lock held "$("${qv[@]}" lock -name="qv-test-$$" -hold=1)"
+
+check "convert: to UTF-16" 6100e9002d4e3dd800de "$(printf 'a\303\251\344\270\255\360\237\230\200' | "${qv[@]}" convert -from=UTF-8 -to=UTF-16LE | hex)"
+check "convert: names in any case" 61e93f "$(printf 'a\303\251\344\270\255' | "${qv[@]}" convert -from=utf-8 -to=windows-1252 | hex)"
+check "convert: line ends stay" 610d0a1a0a "$(printf 'a\r\n\032\n' | "${qv[@]}" convert -from=UTF-8 -to=UTF-8 | hex)"
+check "convert: nothing" "" "$("${qv[@]}" convert -from=UTF-8 -to=UTF-8 </dev/null | hex)"
+check "convert: bad bytes" efbfbd41 "$(printf '\377A' | "${qv[@]}" convert -from=UTF-8 -to=UTF-8 | hex)"
+check "convert: cut at the end" 41efbfbdefbfbd "$(printf 'A\344\270' | "${qv[@]}" convert -from=UTF-8 -to=UTF-8 | hex)"
+check "convert: odd UTF-32" 41efbfbd "$(printf 'A\0\0\0B' | "${qv[@]}" convert -from=UTF-32LE -to=UTF-8 | hex)"
+
+printf 'text \303\251\n' >"$work/in put"
+"${qv[@]}" convert -from=UTF-8 -to=ISO8859_1 "-in=$(path "$work/in put")" "-out=$(path "$work/out")"
+check "convert: files" 7465787420e90a "$(hex <"$work/out")"
+
+fails "no command" 2 "usage: qv COMMAND [-option[=value]]... (qv help lists the commands)" "${qv[@]}"
+fails "unknown command" 2 "usage: qv COMMAND [-option[=value]]... (qv help lists the commands)" "${qv[@]}" nonsense
+fails "unknown option" 2 "usage: qv version" "${qv[@]}" version -x
+fails "missing option" 2 "usage: qv path -text=PATH" "${qv[@]}" path
+fails "option without its value" 2 "usage: qv path -text=PATH" "${qv[@]}" path -text
+fails "bad number" 2 "usage: qv lock -name=NAME [-hold=MILLISECONDS]" "${qv[@]}" lock -name=x -hold=-1
+fails "unknown encoding" 1 "qv: unknown encoding nope [0x8BB34103]" "${qv[@]}" convert -from=nope -to=UTF-8
+fails "known and missing encoding" 1 "qv: unknown encoding EUC-JP [0x8BB34103]" "${qv[@]}" convert -from=EUC-JP -to=UTF-8
+fails "missing file" 1 "qv: file not found [0x80070002]" "${qv[@]}" convert -from=UTF-8 -to=UTF-8 "-in=$(path "$work/none")"
+fails "directory as a file" 1 "qv: access denied [0x80070005]" "${qv[@]}" convert -from=UTF-8 -to=UTF-8 "-in=$(path "$work")"
+fails "same file" 1 "qv: input and output are the same file" "${qv[@]}" convert -from=UTF-8 -to=UTF-8 "-in=$(path "$work/out")" "-out=$(path "$work/out")"
+fails "bad path" 1 "qv: invalid drive" "${qv[@]}" path -text=ab:c
+check "the refused output is untouched" 7465787420e90a "$(hex <"$work/out")"
+strict() { printf '%b' "$1" | "${qv[@]}" convert -from="$2" -to="$3" -strict 2>&1 >/dev/null | tr -d '\r'; }
+check "strict encoder" "qv: a character has no form in the encoding [0x8BB34102]" "$(strict '\0303\0251' UTF-8 ASCII)"
+check "strict decoder" "qv: a character has no form in the encoding [0x8BB34102]" "$(strict '\0200' ASCII UTF-8)"
+check "strict at the end" "qv: incomplete character at the end of the input [0x8BB34101]" "$(strict 'A\0303' UTF-8 UTF-16LE)"
+check "lone surrogate" "qv: leading surrogate without trailing [0x8BB34101]" "$(printf '\0\330' | "${qv[@]}" convert -from=UTF-16LE -to=UTF-8 2>&1 >/dev/null | tr -d '\r')"
+
+if [ $# -eq 1 ]; then # devices and pipes are this system's own
+    fails "full disk" 1 "qv: disk full [0x80070070]" bash -c "'$1' version >/dev/full"
+    yes | head -c 20000000 | "${qv[@]}" convert -from=UTF-8 -to=UTF-8 2>"$work/error" | head -c 1 >/dev/null
+    check "pipe that closes early: exit code" 1 "${PIPESTATUS[2]}"
+    check "pipe that closes early: one line" "qv: the reader has gone [0x8007006D]" "$(cat "$work/error")"
+    fails "no standard output" 1 "qv: not open [0x80070006]" bash -c "'$1' version >&-"
+fi
+
+echo "$((checks - failures)) passed, $failures failed"
+[ "$failures" -eq 0 ]
