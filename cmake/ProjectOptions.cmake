@@ -21,6 +21,11 @@ target_compile_options(qvcl_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 target_include_directories(qvcl_options INTERFACE "${PROJECT_SOURCE_DIR}")
 
+# A unique symbol would keep a module in memory for ever: the library can be unloaded.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+endif()
+
 if(QVCL_SANITIZE)
   add_compile_options(-fsanitize=${QVCL_SANITIZE} -fno-omit-frame-pointer -g)
   add_link_options(-fsanitize=${QVCL_SANITIZE})

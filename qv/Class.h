@@ -18,6 +18,9 @@ public:
     /// Makes a new object with its count at 0, or gives null where memory ran out.
     using Factory = Object* (*)();
 
+    Class(const Class&) = delete;
+    Class& operator=(const Class&) = delete;
+
     // Slot order is contract from here on.
 
     virtual const char16_t* getName() const;

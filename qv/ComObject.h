@@ -30,10 +30,22 @@ public:
     ComObject& operator=(const ComObject&) noexcept { return *this; }
 
     std::int32_t QueryInterface(const GUID& iid, void** out) noexcept override;
-    std::uint32_t AddRef() const noexcept override;
-    std::uint32_t Release() const noexcept override;
+    std::uint32_t AddRef() const noexcept override {
+        const std::uint32_t count = InternalAddRef();
+        if (count == 1 && module_ != nullptr) {
+            lockModule();
+        }
+        return count;
+    }
+    std::uint32_t Release() const noexcept override {
+        const std::uint32_t count = InternalRelease();
+        if (count == 0) {
+            end();
+        }
+        return count;
+    }
     /// May throw: the platform may refuse to end what a class holds, a held lock for one.
-    virtual ~ComObject() noexcept(false) = default;
+    virtual ~ComObject() noexcept(false) {}
 
     /// A snapshot that may be stale when it returns.
     std::uint32_t GetRefCount() const noexcept { return count_.load(std::memory_order_acquire); }
@@ -48,10 +60,18 @@ public:
 protected:
     /// Count without touching the module or the object's life: for code that holds an object up
     /// while it is made or torn down. @return the new count.
-    std::uint32_t InternalAddRef() const noexcept;
-    std::uint32_t InternalRelease() const noexcept;
+    std::uint32_t InternalAddRef() const noexcept {
+        return count_.fetch_add(1, std::memory_order_relaxed) + 1;
+    }
+    std::uint32_t InternalRelease() const noexcept {
+        return count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    }
 
 private:
+    void lockModule() const noexcept;
+    /// Unlocks the module and deletes the object.
+    void end() const noexcept;
+
     mutable std::atomic<std::uint32_t> count_{0};
     qvcom::Module* module_ = nullptr;
 };

@@ -23,7 +23,7 @@ public:
     std::int32_t QueryInterface(const GUID& iid, void** out) noexcept override;
     std::uint32_t AddRef() const noexcept override { return ComObject::AddRef(); }
     std::uint32_t Release() const noexcept override { return ComObject::Release(); }
-    ~Object() noexcept(false) override = default;
+    ~Object() noexcept(false) override {}
 
     // Slot order is contract from here on.
 

@@ -133,6 +133,14 @@ Str1& Str1::append(const char16_t* text, int length) {
 }
 
 Str1& Str1::append(char16_t unit, int count) {
+    if (count == 1 && buffer_ != nullptr) {
+        const auto end = static_cast<unsigned int>(offset_ + length_);
+        if (end < buffer_->isPrivatelyHeld(0)) {
+            buffer_->getData()[end] = unit;
+            ++length_;
+            return *this;
+        }
+    }
     if (count > 0) {
         ensureCapacity1(sum(length_, count), 0, -1);
         std::fill_n(writable() + length_, count, unit);
@@ -142,7 +150,8 @@ Str1& Str1::append(char16_t unit, int count) {
 }
 
 Str1& Str1::append(const Str1& text, int count, int start) {
-    const Str1 part(text, start, count < 0 ? -1 : start + count);
+    const bool whole = count < 0 || count > text.length_ - start;
+    const Str1 part(text, start, whole ? -1 : start + count);
     if (buffer_ == nullptr) {
         return setTo(part);
     }
@@ -169,7 +178,7 @@ int Str1::ensureCapacity1(unsigned int needed, int keepStart, int keepEnd) {
         if (held != 0 && offset + needed <= held) {
             return static_cast<int>(held - offset);
         }
-        if (offset > 0 && needed <= held) {
+        if (held != 0 && offset > 0 && needed <= held) {
             moveUnits(buffer_->getData(), getData1() + keepStart, kept);
             offset_ = 0;
             return static_cast<int>(held);
@@ -390,6 +399,9 @@ void Str1::Appendor::firstAppend(const char16_t* text, int length) {
 }
 
 void Str1::Appendor::fastAppend(const char16_t* text, int length) {
+    if (length < 1) {
+        return;
+    }
     moveUnits(checkAvailable(length), text, length);
 }
 

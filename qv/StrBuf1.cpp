@@ -7,6 +7,8 @@ namespace qv {
 StrBuf1::StrBuf1(char16_t* data, unsigned int capacity) noexcept
     : data_(data), capacityAndFlags_(capacity & capacityMask) {}
 
+const unsigned int StrBuf1::greatestCapacity;
+
 void StrBuf1::AddRef() noexcept { ++count_; }
 
 void StrBuf1::Release() noexcept {

@@ -16,7 +16,7 @@ namespace qv {
 class QV_API StrBuf1 {
 public:
     /// The most units that a store can have.
-    static constexpr unsigned int greatestCapacity = 0xFFFFF0;
+    static const unsigned int greatestCapacity = 0xFFFFF0;
 
     StrBuf1(const StrBuf1&) = delete;
     StrBuf1& operator=(const StrBuf1&) = delete;

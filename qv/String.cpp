@@ -37,6 +37,24 @@ IQVCharBuffer* takeEmptyBuffer() {
     return buffer;
 }
 
+/// Counts on an inner buffer, without the detour through its tables where its class is known: copying and
+/// dropping strings is what programs do most.
+void addReference(IQVCharBuffer* buffer) noexcept {
+    if (auto* own = detail::exactly<util::RWCharBuffer>(buffer)) {
+        own->ComObject::AddRef();
+    } else {
+        buffer->AddRef();
+    }
+}
+
+void release(IQVCharBuffer* buffer) noexcept {
+    if (auto* own = detail::exactly<util::RWCharBuffer>(buffer)) {
+        own->ComObject::Release();
+    } else {
+        buffer->Release();
+    }
+}
+
 template <class Buffer>
 IQVCharBuffer* counted(Buffer* buffer) {
     buffer->AddRef();
@@ -54,7 +72,7 @@ int withTerminator(int length) {
 /// A new buffer, counted for the caller, with room for `length` units and `capacity` units in all.
 IQVCharBuffer* takeNewBuffer(const char16_t* units, int length, int capacity) {
     const int innerLength = withTerminator(length);
-    auto* const buffer = new util::RWCharBuffer(std::max(capacity, innerLength));
+    auto* const buffer = util::RWCharBuffer::makeWhole(std::max(capacity, innerLength));
     char16_t* const target = buffer->util::RWCharBuffer::ensureCapacity(innerLength);
     std::copy_n(units, length, target);
     target[length] = 0;
@@ -70,6 +88,9 @@ IQVCharBuffer* takeCopy(const char16_t* text, int length, int capacity) {
 }
 
 IQVCharBuffer* takeWrapped(const char16_t* text, int length) {
+    if (text == nullptr) {
+        return takeEmptyBuffer();
+    }
     return counted(new util::ROCharBuffer(text, withTerminator(length)));
 }
 
@@ -92,7 +113,7 @@ struct Range {
 String::String() : buffer_(takeEmptyBuffer()) {}
 
 String::String(const String& other) : util::AbstractCharBuffer(), buffer_(other.buffer_) {
-    buffer_->AddRef();
+    addReference(buffer_);
 }
 
 String::String(String&& other) noexcept : buffer_(std::exchange(other.buffer_, takeEmptyBuffer())) {
@@ -150,6 +171,9 @@ String::String(AcquireMode mode, util::ICharBuffer* source) : String() {
     }
     const util::BufferReadLock<char16_t> lock(*source);
     const int length = source->GetLength();
+    if (length < 1) {
+        return;
+    }
     if (mode == ACQUIRE_WRAP) {
         adopt(takeWrapped(lock.getData(), length));
         return;
@@ -170,7 +194,7 @@ String::String(AcquireMode mode, const char16_t* text, int length, int capacity)
 
 String::~String() noexcept {
     dropNarrowCache();
-    buffer_->Release();
+    release(buffer_);
 }
 
 // --- qv::Object ---
@@ -373,27 +397,27 @@ void String::copyOnWrite(int minCapacity) {
     IQVCharBuffer* separate = nullptr;
     {
         const util::BufferReadLock<char16_t> lock(*buffer_);
-        separate =
-            counted(new util::RWCharBuffer(lock.getData(), buffer_->GetLength(), minCapacity));
+        const int innerLength = buffer_->GetLength();
+        auto* const copy = util::RWCharBuffer::makeWhole(std::max(innerLength, minCapacity));
+        std::copy_n(lock.getData(), innerLength, copy->util::RWCharBuffer::ensureCapacity(0));
+        copy->util::RWCharBuffer::releaseWriteLock(innerLength);
+        separate = counted(copy);
     }
     adopt(separate);
     dropNarrowCache();
 }
 
-void String::adopt(IQVCharBuffer* buffer) noexcept { std::exchange(buffer_, buffer)->Release(); }
+void String::adopt(IQVCharBuffer* buffer) noexcept { release(std::exchange(buffer_, buffer)); }
 
-void String::dropNarrowCache() noexcept {
-    if (narrowCache_ != nullptr) {
-        std::exchange(narrowCache_, nullptr)->Release();
-    }
-}
+void String::releaseNarrowCache() noexcept { std::exchange(narrowCache_, nullptr)->Release(); }
 
 } // namespace qv
 
 qv::String CQVString::create(const qv::String& text) { return text; }
 
-qv::String CQVString::create(const signed char* bytes, int length, const char16_t* encoding) {
-    return qv::String(bytes, length, encoding);
+qv::String CQVString::create(const signed char* bytes, int length, const char16_t* encoding,
+                             int capacity) {
+    return qv::String(bytes, length, encoding, capacity);
 }
 
 qv::String CQVString::create(const char16_t* text, int length, int capacity) {

@@ -310,7 +310,13 @@ private:
 
     /// Takes `buffer`, counted for this string, in place of the one it has.
     void adopt(IQVCharBuffer* buffer) noexcept;
-    void dropNarrowCache() noexcept;
+    void dropNarrowCache() noexcept {
+        if (narrowCache_ != nullptr) {
+            releaseNarrowCache();
+        }
+    }
+    void releaseNarrowCache() noexcept;
+    bool appendInPlace(char16_t unit);
     const String& formatTexts(const char16_t* pattern, int length, const char16_t* const* texts,
                               int count);
 
@@ -324,7 +330,8 @@ private:
 class QV_API CQVString {
 public:
     static qv::String create(const qv::String& text);
-    static qv::String create(const signed char* bytes, int length, const char16_t* encoding);
+    static qv::String create(const signed char* bytes, int length, const char16_t* encoding,
+                             int capacity);
     static qv::String create(const char16_t* text, int length, int capacity);
 };
 

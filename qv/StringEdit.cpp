@@ -90,11 +90,31 @@ String& String::replace(int position, int count, char16_t unit, int repeat) {
 
 String& String::operator+=(const String& text) { return replace(-1, 0, text, 0); }
 String& String::operator+=(const char16_t* text) { return replace(-1, 0, text, -1, 0); }
-String& String::operator+=(char16_t unit) { return replace(-1, 0, unit, 1); }
+String& String::operator+=(char16_t unit) { return append(unit, 1); }
 
 String& String::append(const String& text) { return replace(-1, 0, text, 0); }
 String& String::append(const char16_t* text, int length) { return replace(-1, 0, text, length, 0); }
-String& String::append(char16_t unit, int count) { return replace(-1, 0, unit, count); }
+String& String::append(char16_t unit, int count) {
+    return count == 1 && appendInPlace(unit) ? *this : replace(-1, 0, unit, count);
+}
+
+/// The most frequent edit, without the scaffolding of the general one. @return false where the string does
+/// not own its units alone, or has a narrow form.
+bool String::appendInPlace(char16_t unit) {
+    auto* const own = detail::exactly<util::RWCharBuffer>(buffer_);
+    if (own == nullptr || own->GetRefCount() != 1 || narrowCache_ != nullptr) {
+        return false;
+    }
+    const int length = own->util::RWCharBuffer::getLength() - 1;
+    if (length < 0 || length >= greatestLength) {
+        return false;
+    }
+    char16_t* const units = own->util::RWCharBuffer::ensureCapacity(length + 3);
+    units[length] = unit;
+    units[length + 1] = 0;
+    own->util::RWCharBuffer::releaseWriteLock(length + 2);
+    return true;
+}
 
 String& String::prepend(const String& text) { return replace(0, 0, text, 0); }
 String& String::prepend(const char16_t* text, int length) { return replace(0, 0, text, length, 0); }

@@ -2,10 +2,12 @@
 #include "qv/detail/Placeholders.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdio>
 #include <limits>
 #include <new>
+#include <span>
 #include <vector>
 
 namespace qv {
@@ -18,7 +20,7 @@ Text asText(const char16_t* text) { return {text, static_cast<std::size_t>(QVStr
 
 /// The pattern with each placeholder whose index is below the number of texts filled, in a new
 /// buffer counted for the caller.
-IQVCharBuffer* takeFilled(Text pattern, const std::vector<Text>& texts) {
+IQVCharBuffer* takeFilled(Text pattern, std::span<const Text> texts) {
     std::size_t length = pattern.size();
     detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
         if (placeholder.index < texts.size()) {
@@ -31,7 +33,7 @@ IQVCharBuffer* takeFilled(Text pattern, const std::vector<Text>& texts) {
     }
 
     const Reference<util::RWCharBuffer> buffer(
-        new util::RWCharBuffer(static_cast<int>(length) + 1));
+        util::RWCharBuffer::makeWhole(static_cast<int>(length) + 1));
     char16_t* target = buffer->ensureCapacity(0);
     std::size_t copied = 0;
     detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
@@ -77,9 +79,12 @@ const String& String::formatTexts(const char16_t* pattern, int length, const cha
     const Text whole(pattern, static_cast<std::size_t>(detail::measured(pattern, length)));
     const std::size_t used =
         std::min(detail::consecutivePlaceholders(whole), static_cast<std::size_t>(count));
-    std::vector<Text> arguments(used);
-    std::transform(texts, texts + used, arguments.begin(), asText);
-    IQVCharBuffer* const filled = takeFilled(whole, arguments);
+    constexpr std::size_t few = 8; // arguments that need no memory
+    std::array<Text, few> place;
+    std::vector<Text> many(used > few ? used : 0);
+    Text* const arguments = used > few ? many.data() : place.data();
+    std::transform(texts, texts + used, arguments, asText);
+    IQVCharBuffer* const filled = takeFilled(whole, {arguments, used});
     dropNarrowCache();
     adopt(filled);
     return *this;

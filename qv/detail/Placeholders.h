@@ -1,6 +1,8 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace qv::detail {
@@ -52,13 +54,19 @@ void forEachPlaceholder(std::u16string_view pattern, Visit visit) {
 
 /// How many indices occur, counted from 0 up to the first that does not.
 inline std::size_t consecutivePlaceholders(std::u16string_view pattern) {
+    // A scan notes which of 64 indices occur; patterns with more than that are scanned again.
+    constexpr std::size_t window = 64;
     std::size_t count = 0;
-    for (bool found = true; found;) {
-        found = false;
+    std::size_t found = window;
+    while (found == window) {
+        std::uint64_t occurs = 0;
         forEachPlaceholder(pattern, [&](const Placeholder& placeholder) {
-            found = found || placeholder.index == count;
+            if (placeholder.index - count < window) {
+                occurs |= std::uint64_t{1} << (placeholder.index - count);
+            }
         });
-        count += found ? 1 : 0;
+        found = static_cast<std::size_t>(std::countr_one(occurs));
+        count += found;
     }
     return count;
 }

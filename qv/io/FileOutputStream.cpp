@@ -57,6 +57,12 @@ private:
     std::optional<sync::ScopedLock<ipc::SemaphoreR>> semaphore_;
 };
 
+const unsigned int FileOutputStream::ATEND;
+const unsigned int FileOutputStream::APPEND;
+const unsigned int FileOutputStream::TRUNC;
+const unsigned int FileOutputStream::KEEPCLOSED;
+const unsigned int FileOutputStream::LOCK;
+
 FileOutputStream::FileOutputStream(const util::FilePath& path, unsigned int mode)
     : path_(path.getPath()), handle_(QV_FILE_NONE), mode_(mode) {
     init(path);

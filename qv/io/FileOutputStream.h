@@ -24,11 +24,11 @@ namespace qv::io {
 /// time.
 class QV_API FileOutputStream : public OutputStream {
 public:
-    static constexpr unsigned int ATEND = 0x1;      ///< opened positioned at its end
-    static constexpr unsigned int APPEND = 0x2;     ///< each write goes to the end, under the lock
-    static constexpr unsigned int TRUNC = 0x4;      ///< emptied, at the first open only
-    static constexpr unsigned int KEEPCLOSED = 0x8; ///< closed between operations
-    static constexpr unsigned int LOCK = 0x10;      ///< each write takes the lock
+    static const unsigned int ATEND = 0x1;      ///< opened positioned at its end
+    static const unsigned int APPEND = 0x2;     ///< each write goes to the end, under the lock
+    static const unsigned int TRUNC = 0x4;      ///< emptied, at the first open only
+    static const unsigned int KEEPCLOSED = 0x8; ///< closed between operations
+    static const unsigned int LOCK = 0x10;      ///< each write takes the lock
 
     /// Opens or makes the file.
     /// @throws InvalidPathException for an empty path.

@@ -46,6 +46,7 @@ public:
     /// @throws ResultException with the buffer's result.
     BufferWriteLock(IBuffer<Unit>& buffer, int capacity) : buffer_(&buffer) {
         throwIfFailed(buffer.GetWriteLock(capacity, &data_));
+        length_ = buffer.GetLength();
     }
     BufferWriteLock(const BufferWriteLock&) = delete;
     BufferWriteLock& operator=(const BufferWriteLock&) = delete;
@@ -73,7 +74,7 @@ public:
 private:
     IBuffer<Unit>* buffer_;
     Unit* data_ = nullptr;
-    int length_ = -1;
+    int length_ = 0;
 };
 
 } // namespace qv::util

@@ -30,6 +30,8 @@ String pathFrom(Call call, int capacity) {
 
 } // namespace
 
+const char16_t FilePath::dirDelim;
+const char16_t FilePath::pathDelim;
 const STRUCT_QV_STR_LIT_INFO FilePath::s_UNCLead = {u"\\\\", networkLead};
 
 FilePath::FilePath(const String& path) : path_(path) { normalize(); }

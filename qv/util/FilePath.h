@@ -15,9 +15,9 @@ namespace qv::util {
 /// Thread safety: const-safe.
 class QV_API FilePath : public CopyObject {
 public:
-    static constexpr char16_t dirDelim = u'\\';
+    static const char16_t dirDelim = u'\\';
     /// Between the paths of a list.
-    static constexpr char16_t pathDelim = u';';
+    static const char16_t pathDelim = u';';
 
     /// @throws InvalidPathException "invalid drive" for a colon behind more than one letter, "no
     /// server

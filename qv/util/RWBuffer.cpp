@@ -73,27 +73,23 @@ RWBuffer<Unit>& RWBuffer<Unit>::operator=(const RWBuffer& other) {
 
 template <class Unit>
 RWBuffer<Unit>::~RWBuffer() noexcept {
-    std::free(data_);
+    freeBuffer();
+}
+
+template <class Unit>
+RWBuffer<Unit>* RWBuffer<Unit>::makeWhole(int capacity) {
+    const int rounded = roundedCapacity(capacity);
+    void* const memory = ::operator new(sizeof(RWBuffer) + byteCount<Unit>(rounded));
+    auto* const buffer = ::new (memory) RWBuffer;
+    buffer->data_ = reinterpret_cast<Unit*>(buffer + 1);
+    buffer->capacity_ = rounded;
+    buffer->storageIsBehind_ = true;
+    return buffer;
 }
 
 template <class Unit>
 Unit* RWBuffer<Unit>::getWriteLock(int capacity) {
     return this->ensureCapacity(capacity);
-}
-
-template <class Unit>
-Unit* RWBuffer<Unit>::ensureCapacity(int capacity) {
-    if (capacity_ < capacity) {
-        reallocBuffer(capacity);
-    }
-    return data_;
-}
-
-template <class Unit>
-void RWBuffer<Unit>::releaseWriteLock(int length) {
-    if (length >= 0) {
-        length_ = length;
-    }
 }
 
 template <class Unit>
@@ -104,17 +100,40 @@ void RWBuffer<Unit>::freeExtra() {
 template <class Unit>
 void RWBuffer<Unit>::reallocBuffer(int capacity) {
     if (capacity == 0) {
-        std::free(data_);
-        data_ = nullptr;
-        capacity_ = 0;
+        freeBuffer();
         return;
     }
     const int rounded = roundedCapacity(capacity);
     if (rounded == capacity_) {
         return;
     }
-    data_ = checkedMemory<Unit>(std::realloc(data_, byteCount<Unit>(rounded)));
+    if (storageIsBehind_) {
+        leaveStorage(rounded);
+    } else {
+        data_ = checkedMemory<Unit>(std::realloc(data_, byteCount<Unit>(rounded)));
+    }
     capacity_ = rounded;
+}
+
+/// Moves to storage of its own, unless the new capacity is a smaller one.
+template <class Unit>
+void RWBuffer<Unit>::leaveStorage(int capacity) {
+    if (capacity > capacity_) {
+        Unit* const storage = checkedMemory<Unit>(std::malloc(byteCount<Unit>(capacity)));
+        std::memcpy(storage, data_, byteCount<Unit>(capacity_));
+        data_ = storage;
+        storageIsBehind_ = false;
+    }
+}
+
+template <class Unit>
+void RWBuffer<Unit>::freeBuffer() noexcept {
+    if (!storageIsBehind_) {
+        std::free(data_);
+    }
+    data_ = nullptr;
+    capacity_ = 0;
+    storageIsBehind_ = false;
 }
 
 template <class Unit>

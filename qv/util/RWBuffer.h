@@ -29,11 +29,29 @@ public:
     void releaseReadLock() const override {}
     bool isWritable() const noexcept override { return true; }
     Unit* getWriteLock(int capacity) override;
-    Unit* ensureCapacity(int capacity) override;
+    Unit* ensureCapacity(int capacity) override {
+        if (capacity_ < capacity) {
+            reallocBuffer(capacity);
+        }
+        return data_;
+    }
     /// The length is stored as it comes, also above the capacity.
-    void releaseWriteLock(int length) override;
+    void releaseWriteLock(int length) override {
+        if (length >= 0) {
+            length_ = length;
+        }
+    }
     /// Cuts the capacity to the length rounded up to 16; with length 0 the memory goes.
     void freeExtra() override;
+
+    /// A buffer whose first storage lies behind it in the same allocation: for an owner that knows how much
+    /// it needs. Where it outgrows that, it moves to storage of its own.
+    /// Owns: the caller, the new buffer with its count at 0.
+    static RWBuffer* makeWhole(int capacity);
+
+    /// The allocation may be longer than the object.
+    static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+    static void operator delete(void*, void*) noexcept {}
 
 protected:
     /// The work behind `freeExtra`, for classes that put a lock around it.
@@ -43,10 +61,13 @@ protected:
 
 private:
     void allocBuffer(int capacity);
+    void leaveStorage(int capacity);
+    void freeBuffer() noexcept;
 
     Unit* data_ = nullptr;
     int capacity_ = 0;
     int length_ = 0;
+    bool storageIsBehind_ = false;
 };
 
 using RWByteBuffer = RWBuffer<signed char>;

@@ -19,6 +19,7 @@ using GetInfo = std::int32_t(const char16_t* name, EncodingInfo* out);
 
 int main(int, char** argv) {
     for (int load = 0; load < 3; ++load) {
+        CHECK(!support::SharedModule::isLoaded(argv[1]));
         const support::SharedModule library(argv[1]);
         CHECK(library.isOpen());
         auto* const getInfo = library.find<GetInfo>("QVGetEncInfoByName");
@@ -27,6 +28,7 @@ int main(int, char** argv) {
         CHECK(getInfo(u"latin1", &info) == 0); // the last thing that library start builds
         CHECK(info.codePage == 28591);
     }
+    CHECK(!support::SharedModule::isLoaded(argv[1])); // nothing kept it
     std::puts("passed");
     return 0;
 }

@@ -1,12 +1,12 @@
 #include "qvcore/Console.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/qvcore/TestProcess.h"
+#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
 
 #include <gtest/gtest.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "qvcore/File.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/qvcore/TestFolder.h"
-#include "tests/qvcore/TestProcess.h"
+#include "tests/support/TestFolder.h"
+#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
 
 #include <cstdio>
@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

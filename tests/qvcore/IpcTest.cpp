@@ -2,7 +2,7 @@
 #include "qvcore/Locks.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/qvcore/TestProcess.h"
+#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 #include <memory>
 #include <thread>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <gtest/gtest.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

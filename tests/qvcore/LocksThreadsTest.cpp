@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

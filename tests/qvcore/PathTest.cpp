@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 /// The results that the tests expect, written out by hand.
-namespace coretest {
+namespace support {
 
 constexpr std::int32_t bits(std::uint32_t value) { return static_cast<std::int32_t>(value); }
 
@@ -24,4 +24,4 @@ constexpr std::int32_t timedOut = bits(0x800705B4u);
 constexpr std::int32_t classNotRegistered = bits(0x80040154u);
 constexpr std::int32_t unknownProgId = bits(0x800401F3u);
 
-} // namespace coretest
+} // namespace support

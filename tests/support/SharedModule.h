@@ -19,6 +19,8 @@ public:
     Function* find(const char* name) const {
         return reinterpret_cast<Function*>(address(name));
     }
+    /// True while anybody has the module open.
+    static bool isLoaded(const std::string& path);
     /// Keeps the module open when the object ends.
     void leaveOpen() { handle_ = nullptr; }
 

@@ -22,6 +22,8 @@ public:
     std::string readLine();
     void write(const std::string& bytes);
     void closeInput();
+    /// The process finds its standard output broken.
+    void closeOutput();
     /// Ends the process at once, and waits until it is gone.
     void kill();
     /// @return the exit code, 128 and the signal's number for one that ended by a signal.

@@ -57,7 +57,7 @@ protected:
         if (isUsedUp()) {
             fillBuffer();
         }
-        return isUsedUp() ? -1 : buffer_[pos_++];
+        return isUsedUp() ? -1 : buffer_.get()[pos_++];
     }
 
     const Unit* unread() const noexcept { return buffer_.get() + pos_; }

@@ -32,7 +32,7 @@ void BufferedOutput<Sink, Unit>::write(Unit unit) {
     if (count_ >= bufferSize_) {
         flushBuffer();
     }
-    buffer_[count_++] = unit;
+    buffer_.get()[count_++] = unit;
 }
 
 template <class Sink, class Unit>

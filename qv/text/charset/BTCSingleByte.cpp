@@ -14,22 +14,24 @@ namespace {
 constexpr int tableRuns = 4;
 
 /// Decodes runs in which every byte has a character.
-void decodeRunByTable(detail::Decoding& decoding, const char16_t* table) noexcept {
-    for (int run = 0; run < tableRuns; ++run) {
-        if (std::min(decoding.available(), decoding.room()) < detail::unitsPerRun) {
-            return;
+void decodeRunsByTable(detail::Decoding& decoding, const char16_t* table) noexcept {
+    detail::Decoding runs = decoding;
+    bool isWhole = true;
+    for (int run = 0; run < tableRuns && isWhole; ++run) {
+        if (std::min(runs.available(), runs.room()) < detail::unitsPerRun) {
+            break;
         }
-        bool isWhole = true;
         for (int i = 0; i < detail::unitsPerRun; ++i) {
-            decoding.out[i] = table[static_cast<unsigned char>(decoding.in[i])];
-            isWhole &= decoding.out[i] != detail::replacementChar;
+            const char16_t unit = table[static_cast<unsigned char>(runs.in[i])];
+            runs.out[i] = unit;
+            isWhole &= unit != detail::replacementChar;
         }
-        if (!isWhole) {
-            return;
+        if (isWhole) {
+            runs.in += detail::unitsPerRun;
+            runs.out += detail::unitsPerRun;
         }
-        decoding.in += detail::unitsPerRun;
-        decoding.out += detail::unitsPerRun;
     }
+    decoding.follow(runs);
 }
 
 } // namespace
@@ -56,7 +58,7 @@ void BTCSingleByte::convertByTable(detail::Decoding& decoding, const char16_t* t
     bool goesOn = true;
     while (goesOn && decoding.available() > 0) {
         takeRun(decoding);
-        decodeRunByTable(decoding, table);
+        decodeRunsByTable(decoding, table);
         const signed char* const next =
             decoding.in + std::min<std::ptrdiff_t>(decoding.available(), detail::unitsBetweenRuns);
         while (goesOn && decoding.in < next) {

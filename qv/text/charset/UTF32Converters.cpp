@@ -44,35 +44,39 @@ __m128i lowHalves(__m128i first, __m128i second) noexcept {
 template <class Order>
 void decodeRuns(detail::Decoding& decoding, Order order) noexcept {
     const __m128i zero = _mm_setzero_si128();
-    while (decoding.available() >= wordsPerRun * wordSize && decoding.room() >= wordsPerRun) {
-        const __m128i first = order(detail::loadVector(decoding.in));
-        const __m128i second = order(detail::loadVector(decoding.in + 16));
+    detail::Decoding runs = decoding;
+    while (runs.available() >= wordsPerRun * wordSize && runs.room() >= wordsPerRun) {
+        const __m128i first = order(detail::loadVector(runs.in));
+        const __m128i second = order(detail::loadVector(runs.in + 16));
         const __m128i high = _mm_srli_epi32(_mm_or_si128(first, second), 16);
         const __m128i units = lowHalves(first, second);
         if (_mm_movemask_epi8(_mm_cmpeq_epi32(high, zero)) != 0xFFFF ||
             matching(units, 0xF800, 0xD800) != 0) {
-            return;
+            break;
         }
-        detail::storeVector(decoding.out, units);
-        decoding.in += wordsPerRun * wordSize;
-        decoding.out += wordsPerRun;
+        detail::storeVector(runs.out, units);
+        runs.in += wordsPerRun * wordSize;
+        runs.out += wordsPerRun;
     }
+    decoding.follow(runs);
 }
 
 /// Moves runs of units that are one word each: all but leading surrogates.
 template <class Order>
 void encodeRuns(detail::Encoding& encoding, Order order) noexcept {
     const __m128i zero = _mm_setzero_si128();
-    while (encoding.available() >= wordsPerRun && encoding.room() >= wordsPerRun * wordSize) {
-        const __m128i units = detail::loadVector(encoding.in);
+    detail::Encoding runs = encoding;
+    while (runs.available() >= wordsPerRun && runs.room() >= wordsPerRun * wordSize) {
+        const __m128i units = detail::loadVector(runs.in);
         if (matching(units, 0xFC00, 0xD800) != 0) {
-            return;
+            break;
         }
-        detail::storeVector(encoding.out, order(_mm_unpacklo_epi16(units, zero)));
-        detail::storeVector(encoding.out + 16, order(_mm_unpackhi_epi16(units, zero)));
-        encoding.in += wordsPerRun;
-        encoding.out += wordsPerRun * wordSize;
+        detail::storeVector(runs.out, order(_mm_unpacklo_epi16(units, zero)));
+        detail::storeVector(runs.out + 16, order(_mm_unpackhi_epi16(units, zero)));
+        runs.in += wordsPerRun;
+        runs.out += wordsPerRun * wordSize;
     }
+    encoding.follow(runs);
 }
 
 template <class Order>

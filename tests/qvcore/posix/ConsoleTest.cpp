@@ -1,6 +1,6 @@
 #include "qvcore/Console.h"
 
-#include "tests/qvcore/TestProcess.h"
+#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
 
 #include <csignal>
@@ -108,10 +108,10 @@ int tellKeyAndSignal(const std::vector<std::string>&) {
         hasArrived = 1;
         [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "signal\n", 7);
     });
-    coretest::tell("ready");
+    support::tell("ready");
     std::int32_t key = 0;
     const std::int32_t result = QVConsoleReadKey(&key);
-    coretest::tell(std::to_string(result) + " " + std::to_string(key) + " " +
+    support::tell(std::to_string(result) + " " + std::to_string(key) + " " +
                    std::to_string(hasArrived));
     return 0;
 }
@@ -124,10 +124,10 @@ int stopKeyReader(const std::vector<std::string>&) {
         setpgid(0, 0);
         std::signal(SIGTTOU, SIG_IGN);
         tcsetpgrp(STDIN_FILENO, getpid());
-        coretest::tell("ready");
+        support::tell("ready");
         std::int32_t key = 0;
         QVConsoleReadKey(&key);
-        coretest::tell(std::to_string(key));
+        support::tell(std::to_string(key));
         return 0;
     }
     std::signal(SIGTTOU, SIG_IGN);
@@ -139,7 +139,7 @@ int stopKeyReader(const std::vector<std::string>&) {
     int status = 0;
     waitpid(reader, &status, WUNTRACED);
     tcgetattr(STDIN_FILENO, &now);
-    coretest::tell(WIFSTOPPED(status) && (now.c_lflag & ICANON) != 0 ? "restored" : "not restored");
+    support::tell(WIFSTOPPED(status) && (now.c_lflag & ICANON) != 0 ? "restored" : "not restored");
     kill(reader, SIGCONT);
     waitpid(reader, &status, 0);
     return 0;

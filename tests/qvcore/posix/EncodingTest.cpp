@@ -1,8 +1,8 @@
 #include "qvcore/Encoding.h"
 #include "qvcore/NumberText.h"
 
-#include "tests/qvcore/TestFolder.h"
-#include "tests/qvcore/TestProcess.h"
+#include "tests/support/TestFolder.h"
+#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
 
 #include <array>
@@ -11,7 +11,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "qvcore/File.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/qvcore/TestFolder.h"
+#include "tests/support/TestFolder.h"
 
 #include <array>
 #include <csignal>
@@ -12,7 +12,7 @@
 #include <thread>
 #include <unistd.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

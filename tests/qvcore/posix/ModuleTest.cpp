@@ -3,7 +3,7 @@
 #include "qvcore/Locks.h"
 #include "qvcore/Thread.h"
 #include "tests/qvcore/Results.h"
-#include "tests/qvcore/TestProcess.h"
+#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

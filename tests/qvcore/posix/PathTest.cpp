@@ -1,14 +1,14 @@
 #include "qvcore/Path.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/qvcore/TestFolder.h"
+#include "tests/support/TestFolder.h"
 
 #include <array>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

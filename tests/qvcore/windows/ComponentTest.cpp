@@ -6,7 +6,7 @@
 #include <objbase.h>
 #include <thread>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

@@ -1,12 +1,12 @@
 #include "qvcore/File.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/qvcore/TestFolder.h"
+#include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

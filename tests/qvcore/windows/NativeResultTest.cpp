@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace coretest;
+using namespace support;
 
 namespace {
 

@@ -18,6 +18,14 @@ SharedModule::~SharedModule() {
     }
 }
 
+bool SharedModule::isLoaded(const std::string& path) {
+    void* const handle = dlopen((path + ".so").c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (handle != nullptr) {
+        dlclose(handle);
+    }
+    return handle != nullptr;
+}
+
 SharedModule::AnyFunction* SharedModule::address(const char* name) const {
     return reinterpret_cast<AnyFunction*>(dlsym(handle_, name));
 }

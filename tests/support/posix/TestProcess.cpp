@@ -49,7 +49,7 @@ TestProcess::~TestProcess() {
         kill();
     }
     closeInput();
-    close(state_->output);
+    closeOutput();
 }
 
 bool TestProcess::isStarted() const { return state_->runs; }
@@ -73,6 +73,13 @@ void TestProcess::closeInput() {
     if (state_->input != -1) {
         close(state_->input);
         state_->input = -1;
+    }
+}
+
+void TestProcess::closeOutput() {
+    if (state_->output != -1) {
+        close(state_->output);
+        state_->output = -1;
     }
 }
 

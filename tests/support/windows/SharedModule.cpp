@@ -13,6 +13,10 @@ SharedModule::~SharedModule() {
     }
 }
 
+bool SharedModule::isLoaded(const std::string& path) {
+    return GetModuleHandleA((path + ".dll").c_str()) != nullptr;
+}
+
 SharedModule::AnyFunction* SharedModule::address(const char* name) const {
     return reinterpret_cast<AnyFunction*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
 }

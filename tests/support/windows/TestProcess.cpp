@@ -60,7 +60,7 @@ TestProcess::~TestProcess() {
         kill();
     }
     closeInput();
-    CloseHandle(state_->output);
+    closeOutput();
     CloseHandle(state_->process.hThread);
     CloseHandle(state_->process.hProcess);
 }
@@ -90,6 +90,13 @@ void TestProcess::closeInput() {
     if (state_->input != nullptr) {
         CloseHandle(state_->input);
         state_->input = nullptr;
+    }
+}
+
+void TestProcess::closeOutput() {
+    if (state_->output != nullptr) {
+        CloseHandle(state_->output);
+        state_->output = nullptr;
     }
 }
 

@@ -20,6 +20,13 @@ public:
     /// Units not yet written; negative where the caller's range is.
     std::ptrdiff_t room() const noexcept { return outEnd - out; }
 
+    /// Takes over how far a copy has come. Loops work on a copy: unlike an object that others may
+    /// see, it stays in registers.
+    void follow(const Conversion& copy) noexcept {
+        in = copy.in;
+        out = copy.out;
+    }
+
     /// Writes the positions back. @return units written since the call began.
     std::int32_t commit() noexcept {
         const auto written = static_cast<std::int32_t>(out - dst_) - *dstPos_;

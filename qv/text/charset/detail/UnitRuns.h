@@ -104,7 +104,8 @@ struct PlainUnitRun {
 
 /// Moves a run of bytes that are their own characters.
 template <class Kind>
-void widenRun(Decoding& run) noexcept {
+void widenRun(Decoding& decoding) noexcept {
+    Decoding run = decoding;
     std::ptrdiff_t count = std::min(run.available(), run.room());
     for (; count >= unitsPerRun; count -= unitsPerRun, run.in += 16, run.out += 16) {
         const __m128i bytes = loadVector(run.in);
@@ -116,11 +117,13 @@ void widenRun(Decoding& run) noexcept {
     for (; count > 0 && Kind::has(static_cast<unsigned char>(*run.in)); --count) {
         *run.out++ = static_cast<unsigned char>(*run.in++);
     }
+    decoding.follow(run);
 }
 
 /// Moves a run of units that are their own bytes.
 template <class Kind>
-void narrowRun(Encoding& run) noexcept {
+void narrowRun(Encoding& encoding) noexcept {
+    Encoding run = encoding;
     std::ptrdiff_t count = std::min(run.available(), run.room());
     for (; count >= unitsPerRun; count -= unitsPerRun, run.in += 16, run.out += 16) {
         const __m128i first = loadVector(run.in);
@@ -133,6 +136,7 @@ void narrowRun(Encoding& run) noexcept {
     for (; count > 0 && Kind::has(*run.in); --count) {
         *run.out++ = static_cast<signed char>(*run.in++);
     }
+    encoding.follow(run);
 }
 
 } // namespace qv::text::charset::detail

@@ -194,7 +194,7 @@ inline int openBytes(const signed char* blockEnd) noexcept {
     return two ? 2 : one ? 1 : 0;
 }
 
-QV_TARGET_SSE42 void decodeSse42(Decoding& decoding) noexcept {
+QV_TARGET_SSE42 inline void decodeBlocks(Decoding& decoding) noexcept {
     while (decoding.available() >= utf8BlockBytes && decoding.room() >= utf8BlockBytes) {
         const __m128i v0 = loadVector(decoding.in);
         const __m128i v1 = loadVector(decoding.in + 16);
@@ -225,6 +225,12 @@ QV_TARGET_SSE42 void decodeSse42(Decoding& decoding) noexcept {
         decoding.in += utf8BlockBytes;
         decoding.in -= openBytes(decoding.in);
     }
+}
+
+QV_TARGET_SSE42 void decodeSse42(Decoding& decoding) noexcept {
+    Decoding blocks = decoding;
+    decodeBlocks(blocks);
+    decoding.follow(blocks);
 }
 
 // --- Encoding ---
@@ -325,17 +331,23 @@ QV_TARGET_SSE42 inline bool hasSurrogates(__m128i units) noexcept {
     return !_mm_testz_si128(found, found);
 }
 
+/// Units that are tested together for being ASCII.
+constexpr int asciiUnits = 32;
+
 /// Converts blocks that are ASCII.
 QV_TARGET_SSE42 inline void narrowBlocks(Encoding& encoding) noexcept {
-    while (encoding.available() >= utf8BlockUnits && encoding.room() >= utf8BlockUnits) {
-        const __m128i first = loadVector(encoding.in);
-        const __m128i second = loadVector(encoding.in + 8);
-        if (!hasNone(_mm_or_si128(first, second), 0xFF80)) {
+    while (encoding.available() >= asciiUnits && encoding.room() >= asciiUnits) {
+        const __m128i v0 = loadVector(encoding.in);
+        const __m128i v1 = loadVector(encoding.in + 8);
+        const __m128i v2 = loadVector(encoding.in + 16);
+        const __m128i v3 = loadVector(encoding.in + 24);
+        if (!hasNone(_mm_or_si128(_mm_or_si128(v0, v1), _mm_or_si128(v2, v3)), 0xFF80)) {
             return;
         }
-        storeVector(encoding.out, _mm_packus_epi16(first, second));
-        encoding.in += utf8BlockUnits;
-        encoding.out += utf8BlockUnits;
+        storeVector(encoding.out, _mm_packus_epi16(v0, v1));
+        storeVector(encoding.out + 16, _mm_packus_epi16(v2, v3));
+        encoding.in += asciiUnits;
+        encoding.out += asciiUnits;
     }
 }
 
@@ -369,10 +381,12 @@ QV_TARGET_SSE42 inline bool encodeLetters(Encoding& encoding) noexcept {
 }
 
 QV_TARGET_SSE42 void encodeSse42(Encoding& encoding) noexcept {
-    narrowBlocks(encoding);
-    while (canEncode(encoding) && encodeLetters(encoding)) {
-        narrowBlocks(encoding);
+    Encoding blocks = encoding;
+    narrowBlocks(blocks);
+    while (canEncode(blocks) && encodeLetters(blocks)) {
+        narrowBlocks(blocks);
     }
+    encoding.follow(blocks);
 }
 
 bool supportsSse42() noexcept {

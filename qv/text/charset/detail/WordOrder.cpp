@@ -10,7 +10,7 @@ namespace qv::text::charset::detail {
 
 namespace {
 
-/// The leaves in the order of their speed's importance.
+/// The order of exactly one of the four leaves of a direction.
 template <class Utf16LE, class Utf16BE, class Utf32LE, class Utf32BE>
 WordOrder orderOf(const std::type_info& type) noexcept {
     if (&type == &typeid(Utf16LE) || &type == &typeid(Utf32LE)) {
