@@ -9,10 +9,10 @@
 
 namespace {
 
-using benchmark::DoNotOptimize;
 using bench::haystack;
 using bench::needle;
 using bench::sentence;
+using benchmark::DoNotOptimize;
 
 constexpr int longLength = bench::longLength;
 

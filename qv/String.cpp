@@ -37,8 +37,8 @@ IQVCharBuffer* takeEmptyBuffer() {
     return buffer;
 }
 
-/// Counts on an inner buffer, without the detour through its tables where its class is known: copying and
-/// dropping strings is what programs do most.
+/// Counts on an inner buffer, without the detour through its tables where its class is known:
+/// copying and dropping strings is what programs do most.
 void addReference(IQVCharBuffer* buffer) noexcept {
     if (auto* own = detail::exactly<util::RWCharBuffer>(buffer)) {
         own->ComObject::AddRef();

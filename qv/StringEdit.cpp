@@ -98,8 +98,8 @@ String& String::append(char16_t unit, int count) {
     return count == 1 && appendInPlace(unit) ? *this : replace(-1, 0, unit, count);
 }
 
-/// The most frequent edit, without the scaffolding of the general one. @return false where the string does
-/// not own its units alone, or has a narrow form.
+/// The most frequent edit, without the scaffolding of the general one. @return false where the
+/// string does not own its units alone, or has a narrow form.
 bool String::appendInPlace(char16_t unit) {
     auto* const own = detail::exactly<util::RWCharBuffer>(buffer_);
     if (own == nullptr || own->GetRefCount() != 1 || narrowCache_ != nullptr) {

@@ -14,7 +14,7 @@ set -euo pipefail
 packages_of() {
     case $1 in
     build) echo g++ cmake ninja-build ;;
-    test) echo googletest locales ;;
+    test) echo googletest locales pkg-config binutils ;;
     windows) echo g++-mingw-w64-x86-64-posix wine wine64 ;;
     bench) echo libbenchmark-dev libicu-dev qtbase5-dev pkg-config \
         manpages manpages-fr manpages-ru manpages-zh manpages-ja ;;

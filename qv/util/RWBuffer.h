@@ -44,9 +44,9 @@ public:
     /// Cuts the capacity to the length rounded up to 16; with length 0 the memory goes.
     void freeExtra() override;
 
-    /// A buffer whose first storage lies behind it in the same allocation: for an owner that knows how much
-    /// it needs. Where it outgrows that, it moves to storage of its own.
-    /// Owns: the caller, the new buffer with its count at 0.
+    /// A buffer whose first storage lies behind it in the same allocation: for an owner that knows
+    /// how much it needs. Where it outgrows that, it moves to storage of its own. Owns: the caller,
+    /// the new buffer with its count at 0.
     static RWBuffer* makeWhole(int capacity);
 
     /// The allocation may be longer than the object.

@@ -1,10 +1,49 @@
 #include "qv/Class.h"
 #include "qv/Exceptions.h"
+#include "qv/String.h"
+#include "qv/io/BufferedInputStream.h"
+#include "qv/io/BufferedOutputStream.h"
+#include "qv/io/BufferedReader.h"
+#include "qv/io/BufferedWriter.h"
+#include "qv/io/ByteArrayInputStream.h"
+#include "qv/io/ByteArrayOutputStream.h"
+#include "qv/io/FilterInputStream.h"
+#include "qv/io/FilterOutputStream.h"
+#include "qv/io/FilterReader.h"
+#include "qv/io/FilterWriter.h"
+#include "qv/io/InputStreamReader.h"
+#include "qv/io/NullOutputStream.h"
+#include "qv/io/NullWriter.h"
+#include "qv/io/OutputStreamWriter.h"
+#include "qv/io/PrintWriter.h"
+#include "qv/io/StdioInputStream.h"
+#include "qv/io/StdioOutputStream.h"
+#include "qv/io/StringWriter.h"
+#include "qv/sync/Event.h"
+#include "qv/sync/FakeMutex.h"
+#include "qv/sync/Gate.h"
+#include "qv/sync/Mutex.h"
+#include "qv/sync/ReaderWriterLock.h"
+#include "qv/sync/Semaphore.h"
+#include "qv/text/charset/AMP7Converters.h"
+#include "qv/text/charset/BTCUTF8.h"
+#include "qv/text/charset/CTBUTF8.h"
+#include "qv/text/charset/SingleByteConverters.h"
+#include "qv/text/charset/UTF16Converters.h"
+#include "qv/text/charset/UTF32Converters.h"
+#include "qv/util/FilePath.h"
+#include "qv/util/MTBuffer.h"
+#include "qv/util/ROBuffer.h"
+#include "qv/util/RWBuffer.h"
 #include "tests/support/Printing.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <typeinfo>
 
 using namespace qv;
+using namespace qv::io;
+using namespace qv::text::charset;
 
 namespace {
 
@@ -191,6 +230,134 @@ TEST(ClassTableTest, HoldsAllClassesButThoseThatAreMissingByName) {
         }
     }
     EXPECT_EQ(absent, missing);
+}
+
+/// The type behind each name whose class exists.
+struct TypeRow {
+    const char16_t* name;
+    const std::type_info* type;
+};
+
+const TypeRow types[] = {
+    {u"CQVAbstractByteBuffer", &typeid(util::AbstractByteBuffer)},
+    {u"CQVAbstractCharBuffer", &typeid(util::AbstractCharBuffer)},
+    {u"CQVBTCSingleByte", &typeid(BTCSingleByte)},
+    {u"CQVBTCSingleByteTable", &typeid(BTCSingleByteTable)},
+    {u"CQVBufferedInputStream", &typeid(io::BufferedInputStream)},
+    {u"CQVBufferedOutputStream", &typeid(io::BufferedOutputStream)},
+    {u"CQVBufferedReader", &typeid(io::BufferedReader)},
+    {u"CQVBufferedWriter", &typeid(io::BufferedWriter)},
+    {u"CQVByteArrayInputStream", &typeid(io::ByteArrayInputStream)},
+    {u"CQVByteArrayOutputStream", &typeid(io::ByteArrayOutputStream)},
+    {u"CQVByteToCharConverter", &typeid(ByteToCharConverter)},
+    {u"CQVCharToByteConverter", &typeid(CharToByteConverter)},
+    {u"qv::Class", &typeid(Class)},
+    {u"CQVCTBSingleByte", &typeid(CTBSingleByte)},
+    {u"CQVCTBSingleByteTable", &typeid(CTBSingleByteTable)},
+    {u"CQVComObject", &typeid(ComObject)},
+    {u"CQVEvent", &typeid(sync::Event)},
+    {u"CQVFakeMutex", &typeid(sync::FakeMutex)},
+    {u"CQVFilePath", &typeid(util::FilePath)},
+    {u"CQVFilterInputStream", &typeid(io::FilterInputStream)},
+    {u"CQVFilterOutputStream", &typeid(io::FilterOutputStream)},
+    {u"CQVFilterReader", &typeid(io::FilterReader)},
+    {u"CQVFilterWriter", &typeid(io::FilterWriter)},
+    {u"CQVGate", &typeid(sync::Gate)},
+    {u"CQVInputStream", &typeid(io::InputStream)},
+    {u"CQVInputStreamReader", &typeid(io::InputStreamReader)},
+    {u"CQVLockObject", &typeid(sync::LockObject)},
+    {u"CQVMTByteBuffer", &typeid(util::MTByteBuffer)},
+    {u"CQVMTCharBuffer", &typeid(util::MTCharBuffer)},
+    {u"CQVMutex", &typeid(sync::Mutex)},
+    {u"CQVNullOutputStream", &typeid(io::NullOutputStream)},
+    {u"CQVNullWriter", &typeid(io::NullWriter)},
+    {u"CQVObject", &typeid(Object)},
+    {u"CQVOutputStream", &typeid(io::OutputStream)},
+    {u"CQVOutputStreamWriter", &typeid(io::OutputStreamWriter)},
+    {u"CQVPrintWriter", &typeid(io::PrintWriter)},
+    {u"CQVReader", &typeid(io::Reader)},
+    {u"CQVROByteBuffer", &typeid(util::ROByteBuffer)},
+    {u"CQVROCharBuffer", &typeid(util::ROCharBuffer)},
+    {u"CQVRWByteBuffer", &typeid(util::RWByteBuffer)},
+    {u"CQVRWCharBuffer", &typeid(util::RWCharBuffer)},
+    {u"CQVRWLock", &typeid(sync::ReaderWriterLock)},
+    {u"CQVSemaphore", &typeid(sync::Semaphore)},
+    {u"CQVStdioInputStream", &typeid(io::StdioInputStream)},
+    {u"CQVStdioOutputStream", &typeid(io::StdioOutputStream)},
+    {u"CQVString", &typeid(String)},
+    {u"CQVStringWriter", &typeid(io::StringWriter)},
+    {u"CQVSyncObject", &typeid(sync::Object)},
+    {u"CQVWriter", &typeid(io::Writer)},
+    {u"qv::AccessViolationException", &typeid(AccessViolationException)},
+    {u"qv::ArrayBoundsException", &typeid(ArrayBoundsException)},
+    {u"qv::CastFailedException", &typeid(CastFailedException)},
+    {u"qv::ClassNotFoundException", &typeid(ClassNotFoundException)},
+    {u"qv::Exception", &typeid(Exception)},
+    {u"qv::ExternalException", &typeid(ExternalException)},
+    {u"qv::IllegalAccessException", &typeid(IllegalAccessException)},
+    {u"qv::IllegalInstructionException", &typeid(IllegalInstructionException)},
+    {u"qv::IllegalStateException", &typeid(IllegalStateException)},
+    {u"qv::IntDivByZeroException", &typeid(IntDivByZeroException)},
+    {u"qv::IntErrorException", &typeid(IntErrorException)},
+    {u"qv::IntOverflowException", &typeid(IntOverflowException)},
+    {u"qv::text::charset::InvalidCharacterException", &typeid(InvalidCharacterException)},
+    {u"qv::InvalidPathException", &typeid(InvalidPathException)},
+    {u"qv::io::IoException", &typeid(io::IoException)},
+    {u"qv::io::TimeoutException", &typeid(io::TimeoutException)},
+    {u"qv::MathDivByZeroException", &typeid(MathDivByZeroException)},
+    {u"qv::MathErrorException", &typeid(MathErrorException)},
+    {u"qv::MathInvalidOpException", &typeid(MathInvalidOpException)},
+    {u"qv::MathOverflowException", &typeid(MathOverflowException)},
+    {u"qv::MathUnderflowException", &typeid(MathUnderflowException)},
+    {u"qv::OutOfMemoryException", &typeid(OutOfMemoryException)},
+    {u"qv::RangeErrorException", &typeid(RangeErrorException)},
+    {u"qv::ReadOnlyException", &typeid(ReadOnlyException)},
+    {u"qv::StackOverflowException", &typeid(StackOverflowException)},
+    {u"qv::io::UnexpectedEOFException", &typeid(io::UnexpectedEOFException)},
+    {u"qv::text::charset::UnknownEncodingException", &typeid(UnknownEncodingException)},
+    {u"qv::text::charset::UnmappableCharacterException", &typeid(UnmappableCharacterException)},
+    {u"qv::UnsupportedOperationException", &typeid(UnsupportedOperationException)},
+    {u"qv::UserAbortException", &typeid(UserAbortException)},
+    {u"qv::text::charset::CTBASCII", &typeid(CTBASCII)},
+    {u"qv::text::charset::BTCASCII", &typeid(BTCASCII)},
+    {u"qv::text::charset::CTBISO8859_1", &typeid(CTBISO8859_1)},
+    {u"qv::text::charset::BTCISO8859_1", &typeid(BTCISO8859_1)},
+    {u"qv::text::charset::CTBCP437", &typeid(CTBCP437)},
+    {u"qv::text::charset::BTCCP437", &typeid(BTCCP437)},
+    {u"qv::text::charset::CTBCP1252", &typeid(CTBCP1252)},
+    {u"qv::text::charset::BTCCP1252", &typeid(BTCCP1252)},
+    {u"qv::text::charset::BTCUTF8", &typeid(BTCUTF8)},
+    {u"qv::text::charset::CTBUTF8", &typeid(CTBUTF8)},
+    {u"qv::text::charset::CTBUTF16LE", &typeid(CTBUTF16LE)},
+    {u"qv::text::charset::BTCUTF16LE", &typeid(BTCUTF16LE)},
+    {u"qv::text::charset::CTBUTF16BE", &typeid(CTBUTF16BE)},
+    {u"qv::text::charset::BTCUTF16BE", &typeid(BTCUTF16BE)},
+    {u"qv::text::charset::CTBUTF32LE", &typeid(CTBUTF32LE)},
+    {u"qv::text::charset::BTCUTF32LE", &typeid(BTCUTF32LE)},
+    {u"qv::text::charset::CTBUTF32BE", &typeid(CTBUTF32BE)},
+    {u"qv::text::charset::BTCUTF32BE", &typeid(BTCUTF32BE)},
+    {u"qv::text::charset::BTCAMP7", &typeid(BTCAMP7)},
+    {u"qv::text::charset::CTBAMP7", &typeid(CTBAMP7)},
+};
+
+TEST(ClassTableTest, NamesBelongToTheirTypes) {
+    for (const TypeRow& row : types) {
+        const Class* const record = Class::forName(row.name);
+        EXPECT_EQ(record, Class::forType(row.type)) << row.type->name();
+        EXPECT_EQ(String(record->getName()), row.name);
+    }
+}
+
+TEST(ClassTableTest, EveryClassThatExistsHasItsType) {
+    for (const Row& row : rows) {
+        const String name(row.name);
+        const bool listed = std::any_of(std::begin(types), std::end(types), [&](const TypeRow& type) {
+            return name.equals(type.name);
+        });
+        const bool absent = (" " + std::string(missing)).find(" " + std::string(name.getBytes()) + " ") !=
+                            std::string::npos;
+        EXPECT_NE(listed, absent) << name.getBytes();
+    }
 }
 
 } // namespace

@@ -19,7 +19,23 @@ private:
 
 const User first("static-first");
 const User second("static-second");
-thread_local const User ofThread("thread");
+
+const std::thread::id mainThread = std::this_thread::get_id();
+
+/// What a thread-local object does at its thread's end. It holds nothing: one compiler's emulation
+/// of thread-local storage gives the memory back before it runs the destructor.
+class ThreadUser {
+public:
+    void touch() {}
+    ~ThreadUser() {
+        CHECK(qv::String(u"strings always work").substring(0, 7) == u"strings");
+        if (std::this_thread::get_id() != mainThread || libraryIsUp()) {
+            useLibrary("thread");
+        }
+    }
+};
+
+thread_local ThreadUser ofThread;
 
 // Made before main by a function that may be called any time.
 const qv::String& lateText() {
@@ -31,8 +47,8 @@ const qv::String& lateText() {
 
 int main() {
     CHECK(lateText().getLength() == 17);
-    std::thread([] { CHECK(&ofThread != nullptr); }).join();
-    CHECK(&ofThread != nullptr);
+    std::thread([] { ofThread.touch(); }).join();
+    ofThread.touch();
     useLibrary("main");
     std::puts("passed");
     return 0;

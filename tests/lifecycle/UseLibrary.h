@@ -11,6 +11,15 @@
 #include <filesystem>
 #include <string>
 
+/// False behind the library's end, which it says by an exception of its own.
+inline bool libraryIsUp() {
+    try {
+        return qv::Class::forName(u"CQVString") != nullptr;
+    } catch (const qv::IllegalStateException&) {
+        return false;
+    }
+}
+
 /// Uses what a program uses: strings, converters, run-time classes and file streams.
 inline void useLibrary(const char* who) {
     qv::String text(u"d\u00E9j\u00E0 vu ");

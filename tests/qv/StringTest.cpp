@@ -155,7 +155,8 @@ TEST(StringTest, SystemWideTextIsTaken) {
 TEST(StringTest, ComponentNameMakesStringsByValue) {
     const String text(u"text");
     EXPECT_TRUE(shares(CQVString::create(text), text));
-    EXPECT_EQ(CQVString::create(reinterpret_cast<const signed char*>("abc"), 2, u"UTF-8", 0), u"ab");
+    EXPECT_EQ(CQVString::create(reinterpret_cast<const signed char*>("abc"), 2, u"UTF-8", 0),
+              u"ab");
     EXPECT_EQ(CQVString::create(u"abc", 2, 0), u"ab");
 }
 

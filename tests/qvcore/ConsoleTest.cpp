@@ -1,8 +1,8 @@
 #include "qvcore/Console.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
+#include "tests/support/TestProcess.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "qvcore/File.h"
 
 #include "tests/qvcore/Results.h"
+#include "tests/support/ChildRole.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestProcess.h"
-#include "tests/support/ChildRole.h"
 
 #include <cstdio>
 #include <fstream>

@@ -2,8 +2,8 @@
 #include "qvcore/Locks.h"
 
 #include "tests/qvcore/Results.h"
-#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
+#include "tests/support/TestProcess.h"
 
 #include <algorithm>
 #include <atomic>

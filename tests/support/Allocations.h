@@ -4,8 +4,8 @@
 
 namespace support {
 
-/// Counts the allocations by `new` of this thread while it lives, and lets one fail on request. The test
-/// program's own operators new are what the library's modules call too.
+/// Counts the allocations by `new` of this thread while it lives, and lets one fail on request. The
+/// test program's own operators new are what the library's modules call too.
 class Allocations {
 public:
     /// With `failing` above 0 that allocation fails with std::bad_alloc, counted from 1.

@@ -1,5 +1,5 @@
-// The streams over the process's own standard handles, each in a child process whose input and output are
-// pipes.
+// The streams over the process's own standard handles, each in a child process whose input and
+// output are pipes.
 
 #include "qv/Exceptions.h"
 #include "qv/io/FileInputStream.h"
@@ -64,7 +64,8 @@ const support::ChildRole stdinSkip("stdin-skip", [](const Arguments&) {
     return in.skip(0) == 0 ? 0 : 1;
 });
 
-std::vector<std::string> answers(const char* role, const std::string& input, const Arguments& arguments) {
+std::vector<std::string> answers(const char* role, const std::string& input,
+                                 const Arguments& arguments) {
     support::TestProcess child(role, arguments);
     child.write(input);
     child.closeInput();
@@ -87,7 +88,8 @@ TEST(StdioInputStreamTest, BlockLeavesRoomForATerminator) {
 }
 
 TEST(StdioInputStreamTest, ZeroByteCutsTheCount) {
-    EXPECT_EQ(answers("stdin-blocks", std::string("a\0b\nc", 5), {"32"}), (Lines{"1:a", "1:c", "-1:"}));
+    EXPECT_EQ(answers("stdin-blocks", std::string("a\0b\nc", 5), {"32"}),
+              (Lines{"1:a", "1:c", "-1:"}));
 }
 
 TEST(StdioInputStreamTest, RoomForOneAsksForNothing) {
@@ -132,7 +134,9 @@ TEST(StdioOutputStreamTest, BlocksOvertakeSingleBytes) {
     EXPECT_EQ(answers("stdout-writer", "", {}), (Lines{"block", "overtakes", "x", "open"}));
 }
 
-TEST(StdioOutputStreamTest, ErrorStreamIsNotOwned) { EXPECT_TRUE(answers("stderr-writer", "", {}).empty()); }
+TEST(StdioOutputStreamTest, ErrorStreamIsNotOwned) {
+    EXPECT_TRUE(answers("stderr-writer", "", {}).empty());
+}
 
 TEST(StdioFileOutputStreamTest, OwnedStreamIsClosedOnce) {
     const support::TestFolder folder;

@@ -1,5 +1,6 @@
-// Where the strings promise not to allocate, they do not; where an allocation fails, nothing is lost. On
-// this system only: a Windows module has operators of its own, which a program cannot take the place of.
+// Where the strings promise not to allocate, they do not; where an allocation fails, nothing is
+// lost. On this system only: a Windows module has operators of its own, which a program cannot take
+// the place of.
 
 #include "qv/Exceptions.h"
 #include "qv/Str1HashMap.h"
@@ -70,9 +71,10 @@ TEST(Str1AllocationTest, StoreAndHeaderAreOneAllocation) {
     EXPECT_EQ(allocations.count(), 1u);
 }
 
-/// Runs `work` with its first, second and so on allocation failing, until it needs no more. `check` says
-/// that nothing is broken after each failure.
-template <class Work, class Check> void failEach(Work work, Check check) {
+/// Runs `work` with its first, second and so on allocation failing, until it needs no more. `check`
+/// says that nothing is broken after each failure.
+template <class Work, class Check>
+void failEach(Work work, Check check) {
     for (std::size_t failing = 1;; ++failing) {
         ASSERT_LT(failing, 100u);
         try {

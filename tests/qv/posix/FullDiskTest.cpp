@@ -44,8 +44,8 @@ TEST(FullDiskTest, KeptClosedStreamClosesAndGivesItsLocksBack) {
 
 TEST(FullDiskTest, FailureComesThroughTheChain) {
     const auto file = make<FileOutputStream>(u"/dev/full", 0u);
-    const auto writer = make<PrintWriter>(make<OutputStreamWriter>(
-        make<BufferedOutputStream>(file, 100), u"UTF-8"));
+    const auto writer = make<PrintWriter>(
+        make<OutputStreamWriter>(make<BufferedOutputStream>(file, 100), u"UTF-8"));
     writer->println(u"text");
     EXPECT_EQ(support::thrownResult([&] { writer->flush(); }), QV_E_DISKFULL);
 }

@@ -1,7 +1,7 @@
 #include "qvcore/Console.h"
 
-#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
+#include "tests/support/TestProcess.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -112,7 +112,7 @@ int tellKeyAndSignal(const std::vector<std::string>&) {
     std::int32_t key = 0;
     const std::int32_t result = QVConsoleReadKey(&key);
     support::tell(std::to_string(result) + " " + std::to_string(key) + " " +
-                   std::to_string(hasArrived));
+                  std::to_string(hasArrived));
     return 0;
 }
 

@@ -1,9 +1,9 @@
 #include "qvcore/Encoding.h"
 #include "qvcore/NumberText.h"
 
+#include "tests/support/ChildRole.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestProcess.h"
-#include "tests/support/ChildRole.h"
 
 #include <array>
 #include <clocale>

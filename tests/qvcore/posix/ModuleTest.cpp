@@ -3,8 +3,8 @@
 #include "qvcore/Locks.h"
 #include "qvcore/Thread.h"
 #include "tests/qvcore/Results.h"
-#include "tests/support/TestProcess.h"
 #include "tests/support/ChildRole.h"
+#include "tests/support/TestProcess.h"
 
 #include <gtest/gtest.h>
 #include <string>
