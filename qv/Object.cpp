@@ -52,23 +52,30 @@ String Object::toString() const {
     return text;
 }
 
-std::int32_t Object::CompareTo(const IQVUnknown* other, std::int32_t* result) const noexcept {
+const qvcom::InterfaceData* Object::GetComIntfMap() noexcept { return objectMap; }
+
+namespace detail {
+
+const Object& ComparableFace::whole() const noexcept { return static_cast<const Object&>(*this); }
+
+std::int32_t ComparableFace::CompareTo(const IQVUnknown* other,
+                                       std::int32_t* result) const noexcept {
     *result = 0;
     return toResult([&] {
         if (const auto* object = dynamic_cast<const Object*>(other)) {
-            *result = compareTo(*object);
+            *result = whole().compareTo(*object);
         } else {
             // Kept: the sign is opposite to that of compareTo; callers sort by it.
-            *result = compareAddresses(other, static_cast<const ComObject*>(this));
+            *result = compareAddresses(other, static_cast<const ComObject*>(&whole()));
         }
     });
 }
 
-std::int32_t Object::HashCode(std::uint32_t* result) const noexcept {
+std::int32_t ComparableFace::HashCode(std::uint32_t* result) const noexcept {
     *result = 0;
-    return toResult([&] { *result = hashCode(); });
+    return toResult([&] { *result = whole().hashCode(); });
 }
 
-const qvcom::InterfaceData* Object::GetComIntfMap() noexcept { return objectMap; }
+} // namespace detail
 
 } // namespace qv

@@ -8,13 +8,33 @@ namespace qv {
 class Class;
 class String;
 
+class Object;
+
+namespace detail {
+
+/// The component face of the object methods: it calls the native twin of the object that it is part
+/// of. A class of its own, so that the object's primary table holds the native methods alone.
+class QV_API ComparableFace : public IQVComparable {
+public:
+    std::int32_t CompareTo(const IQVUnknown* other, std::int32_t* result) const noexcept override;
+    std::int32_t HashCode(std::uint32_t* result) const noexcept override;
+
+protected:
+    ~ComparableFace() = default;
+
+private:
+    const Object& whole() const noexcept;
+};
+
+} // namespace detail
+
 /// Root of all classes that answer the object methods, and the first interface.
 ///
 /// Two faces: native members start with a small letter and throw; component members start with a
 /// capital, return a result and let no exception out.
 ///
 /// Thread safety: as ComObject; the object methods are const-safe here.
-class QV_API Object : public ComObject, public IQVComparable {
+class QV_API Object : public ComObject, public detail::ComparableFace {
 public:
     Object() noexcept = default;
     Object(const Object&) noexcept = default;
@@ -43,9 +63,6 @@ public:
     /// The class name, "@", and the hash code in base 16.
     /// @throws ClassNotFoundException as getClass.
     virtual String toString() const;
-
-    std::int32_t CompareTo(const IQVUnknown* other, std::int32_t* result) const noexcept override;
-    std::int32_t HashCode(std::uint32_t* result) const noexcept override;
 
     static const qvcom::InterfaceData* GetComIntfMap() noexcept;
 };

@@ -22,11 +22,14 @@ MutexScope lockIf(bool wanted, const Reference<sync::Mutex>& mutex) {
     return wanted && mutex != nullptr ? MutexScope(std::in_place, *mutex) : std::nullopt;
 }
 
-/// The name under which all processes that write a path share its lock.
+/// The name under which all processes that write a path share its lock. There is room for every
+/// unit's longest form: two paths whose names were cut would share one lock.
 std::vector<char> lockName(String canonicalPath) {
-    constexpr int spare = 10;
+    constexpr std::size_t longestForm = 4;
+    constexpr std::size_t spare = 10;
     canonicalPath.translate(u'\\', u'/');
-    std::vector<char> name(static_cast<std::size_t>(canonicalPath.getLength()) + spare);
+    std::vector<char> name(longestForm * static_cast<std::size_t>(canonicalPath.getLength()) +
+                           spare);
     const std::int32_t written = QVUnicodeToAnsi(name.data(), canonicalPath.getData(),
                                                  static_cast<std::int32_t>(name.size()));
     if (written < 1) {
@@ -110,7 +113,9 @@ void FileOutputStream::init(const util::FilePath& path) {
 
 void FileOutputStream::reopen() {
     if (handle_ == QV_FILE_NONE) {
-        handle_ = openFile(path_, mode_ & ~TRUNC);
+        // A stream that was emptied at first and is kept closed adds to the file by reopening it.
+        const bool adds = keepsClosed() && (mode_ & TRUNC) != 0;
+        handle_ = openFile(path_, (mode_ & ~TRUNC) | (adds ? ATEND : 0));
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include "qv/io/detail/Stdio.h"
 
+#include <utility>
+
 namespace qv::io {
 
 StdioOutputStream::StdioOutputStream() : file_(stdout) {}
@@ -33,7 +35,7 @@ void StdioFileOutputStream::flush() { detail::flush(file_); }
 
 void StdioFileOutputStream::close() {
     if (owned_) {
-        std::fclose(file_);
+        std::fclose(std::exchange(file_, nullptr));
         owned_ = false;
     }
 }

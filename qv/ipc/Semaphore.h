@@ -9,7 +9,8 @@ namespace qv::ipc {
 /// A count of free places that processes share by its name.
 ///
 /// The first process that opens a name makes the semaphore; it is gone with the last handle of any
-/// process. Places that a process took and did not give back come back when it ends.
+/// process. Where it was made with one place, the form of a lock, a place that a process took and
+/// did not give back comes back when the process ends.
 class QV_API Semaphore : public sync::Object {
 public:
     /// Opens the semaphore of that name, or makes it with `value` free places.

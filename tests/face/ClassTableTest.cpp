@@ -351,11 +351,12 @@ TEST(ClassTableTest, NamesBelongToTheirTypes) {
 TEST(ClassTableTest, EveryClassThatExistsHasItsType) {
     for (const Row& row : rows) {
         const String name(row.name);
-        const bool listed = std::any_of(std::begin(types), std::end(types), [&](const TypeRow& type) {
-            return name.equals(type.name);
-        });
-        const bool absent = (" " + std::string(missing)).find(" " + std::string(name.getBytes()) + " ") !=
-                            std::string::npos;
+        const bool listed =
+            std::any_of(std::begin(types), std::end(types),
+                        [&](const TypeRow& type) { return name.equals(type.name); });
+        const bool absent =
+            (" " + std::string(missing)).find(" " + std::string(name.getBytes()) + " ") !=
+            std::string::npos;
         EXPECT_NE(listed, absent) << name.getBytes();
     }
 }

@@ -18,6 +18,9 @@ class Registered : public Object {};
 class SecondName : public Object {};
 class Derived : public Registered {};
 
+static_assert(!std::is_copy_constructible_v<Class> && !std::is_copy_assignable_v<Class>);
+static_assert(!std::is_destructible_v<Class> && !std::is_default_constructible_v<Class>);
+
 Object* makeRegistered() { return new Registered; }
 Object* makeObject() { return new Object; }
 

@@ -27,6 +27,16 @@ bool caughtAs(const Thrown& exception) {
     }
 }
 
+/// What the class answers as its result.
+template <class T>
+constexpr std::uint32_t resultOf = 0x80004005;
+template <>
+constexpr std::uint32_t resultOf<InvalidCharacterException> = 0x8BB34101;
+template <>
+constexpr std::uint32_t resultOf<UnmappableCharacterException> = 0x8BB34102;
+template <>
+constexpr std::uint32_t resultOf<UnknownEncodingException> = 0x8BB34103;
+
 template <class T>
 class MessageExceptionTest : public testing::Test {};
 
@@ -47,6 +57,13 @@ TYPED_TEST(MessageExceptionTest, KeepsTheMessageGiven) {
     EXPECT_EQ(exception.getDescription(), u"why");
     EXPECT_TRUE(caughtAs<Exception>(exception));
     EXPECT_TRUE(caughtAs<Object>(exception));
+}
+
+TYPED_TEST(MessageExceptionTest, HasTheResultOfItsClass) {
+    EXPECT_EQ(static_cast<std::uint32_t>(TypeParam().getResult()), resultOf<TypeParam>);
+    EXPECT_EQ(static_cast<std::uint32_t>(TypeParam(u"why").getResult()), resultOf<TypeParam>);
+    const TypeParam thrown(u"why");
+    EXPECT_EQ(static_cast<std::uint32_t>(toResult([&] { throw thrown; })), resultOf<TypeParam>);
 }
 
 TYPED_TEST(MessageExceptionTest, CopySharesTheMessageAndHasAnObjectPartOfItsOwn) {
@@ -125,6 +142,7 @@ TEST(ExceptionsTest, OutOfMemoryIsAlsoTheLanguagesOwn) {
     }
     EXPECT_TRUE(caughtAs<Exception>(OutOfMemoryException()));
     EXPECT_EQ(OutOfMemoryException(OutOfMemoryException()).getDescription(), u"");
+    EXPECT_FALSE((std::is_constructible_v<OutOfMemoryException, const String&>));
 }
 
 TEST(ExceptionsTest, ExternalExceptionTakesAFaultRecord) {

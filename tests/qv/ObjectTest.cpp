@@ -19,6 +19,12 @@ public:
     const qv::Class* getClass() const override { return qv::Class::forName(u"CQVObject"); }
 };
 
+class HighHash : public qv::Object {
+public:
+    std::uint32_t hashCode() const override { return 0xF0000001u; }
+    const qv::Class* getClass() const override { return qv::Class::forName(u"CQVObject"); }
+};
+
 class Failing : public qv::Object {
 public:
     explicit Failing(int how) : how_(how) {}
@@ -76,6 +82,10 @@ TEST(ObjectTest, TextIsClassNameAndHashInLowerCaseHexadecimal) {
     std::snprintf(expected, sizeof expected, "CQVObject@%x", object.hashCode());
     EXPECT_STREQ(object.toString().getBytes(u"UTF-8"), expected);
     EXPECT_STREQ(ZeroHash().toString().getBytes(u"UTF-8"), "CQVObject@0");
+}
+
+TEST(ObjectTest, HashIsWrittenAsAnUnsignedNumber) {
+    EXPECT_STREQ(HighHash().toString().getBytes(u"UTF-8"), "CQVObject@f0000001");
 }
 
 TEST(ObjectTest, TextOfAnUnregisteredClassThrows) {

@@ -108,6 +108,44 @@ TEST(Str1HashMapTest, OrderIsBucketsFirstToLastAndChainsFromTheNewest) {
     EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"d", u"b", u"c", u"a"}));
 }
 
+/// True if two keys that differ in one unit only stand in one chain, where the one put last comes
+/// first.
+bool shareAChain(int length, std::size_t changed) {
+    std::u16string first(static_cast<std::size_t>(length), u'a');
+    std::u16string second = first;
+    second[changed] = u'b';
+    const auto order = [](const std::u16string& one, const std::u16string& other) {
+        Map map(100003, 1.0f);
+        map.put(Str1Copy(one.c_str()), Str1());
+        map.put(Str1Copy(other.c_str()), Str1());
+        return keys(map);
+    };
+    return order(first, second) != order(second, first);
+}
+
+TEST(Str1HashMapTest, LongKeysAreSampled) {
+    EXPECT_TRUE(shareAChain(64, 1)) << "every other unit counts from 64 units on";
+    EXPECT_FALSE(shareAChain(64, 0));
+    EXPECT_FALSE(shareAChain(64, 2));
+    EXPECT_FALSE(shareAChain(63, 1)) << "shorter keys count whole";
+    EXPECT_FALSE(shareAChain(63, 62));
+    EXPECT_TRUE(shareAChain(96, 2)) << "every third";
+    EXPECT_FALSE(shareAChain(96, 3));
+}
+
+TEST(Str1HashMapTest, KeysOfOneHashAreToldApart) {
+    std::u16string text(64, u'a');
+    Map map;
+    map.put(Str1Copy(text.c_str()), Str1Copy(u"1"));
+    text[1] = u'b';
+    EXPECT_FALSE(map.containsKey(Str1Copy(text.c_str())));
+    map.put(Str1Copy(text.c_str()), Str1Copy(u"2"));
+    EXPECT_EQ(map.getSize(), 2);
+    Str1 value;
+    EXPECT_TRUE(map.get(Str1Copy(text.c_str()), value));
+    EXPECT_EQ(value, u"2");
+}
+
 TEST(Str1HashMapTest, GrowthReversesChainsFromTheLastBucket) {
     Map map(1, 2.0f);
     for (const char16_t* text : {u"a", u"d"}) { // both leave the same remainder by 3

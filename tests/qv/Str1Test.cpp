@@ -6,6 +6,7 @@
 #include "tests/support/Throws.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace qv;
 using support::units;
@@ -15,6 +16,16 @@ namespace {
 const signed char* bytesOf(const char* text) { return reinterpret_cast<const signed char*>(text); }
 
 bool shares(const Str1& left, const Str1& right) { return left.getData1() == right.getData1(); }
+
+/// The store of a light string, which it shows to its subclasses only.
+StrBuf1* storeOf(const Str1& text) {
+    struct Open : Str1 {
+        static auto store() { return &Open::getBuffer; }
+    };
+    return (text.*Open::store())();
+}
+
+unsigned int capacityOf(const Str1& text) { return storeOf(text)->getBufCapacity(); }
 
 // --- The store ---
 
@@ -395,6 +406,17 @@ TEST(Str1AppendorTest, FirstAppendOfNothingReserves) {
     EXPECT_EQ(units(text), expected);
 }
 
+TEST(Str1AppendorTest, NothingAppendedToAStringWithoutAStoreLeavesItSo) {
+    Str1 text;
+    Str1::Appendor appendor(text, 10, 10);
+    appendor.fastAppend(u"", 0);
+    appendor.fastAppend(nullptr, 0);
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(storeOf(text), nullptr);
+    appendor.fastAppend(u'a');
+    EXPECT_EQ(units(text), u"a");
+}
+
 TEST(Str1AppendorTest, ResyncFollowsOtherChanges) {
     Str1 text;
     Str1::Appendor appendor(text, 10, 10);
@@ -405,6 +427,42 @@ TEST(Str1AppendorTest, ResyncFollowsOtherChanges) {
     appendor.fastAppend(u'e');
     EXPECT_EQ(units(text), u"abcde");
     EXPECT_EQ(units(sharer), u"abc");
+}
+
+// --- Growth ---
+
+TEST(Str1Test, CopyTakesNoRoomToGrow) {
+    Str1 fresh;
+    fresh.copy(std::u16string(100, u'x').c_str());
+    EXPECT_EQ(capacityOf(fresh), 112u);
+    Str1 text = Str1Copy(u"old text");
+    EXPECT_EQ(capacityOf(text), 16u);
+    text.copy(std::u16string(100, u'x').c_str());
+    EXPECT_EQ(capacityOf(text), 112u) << "nothing of the old text is kept";
+    text.copy(String(u'y', 200));
+    EXPECT_EQ(capacityOf(text), 208u);
+    text.copy(Str1Copy(String(u'z', 300)));
+    EXPECT_EQ(capacityOf(text), 304u);
+}
+
+TEST(Str1Test, TextThatGrowsTakesAQuarterMore) {
+    Str1 text = Str1Copy(u"old text");
+    text.append(u'x', 92);
+    EXPECT_EQ(text.getLength(), 100);
+    EXPECT_EQ(capacityOf(text), 144u); // 112 and a quarter are 140
+}
+
+TEST(Str1Test, CountBeyondTheEndAppendsTheRest) {
+    const Str1 source = Str1Copy(u"0123456789");
+    Str1 text = Str1Copy(u"-");
+    text.append(source, std::numeric_limits<int>::max(), 2);
+    EXPECT_EQ(units(text), u"-23456789");
+    Str1 view;
+    view.append(source, std::numeric_limits<int>::max(), 2);
+    EXPECT_EQ(units(view), u"23456789");
+    EXPECT_EQ(storeOf(view), storeOf(source));
+    text.append(source, std::numeric_limits<int>::max(), 10);
+    EXPECT_EQ(units(text), u"-23456789");
 }
 
 // --- Narrow text ---
@@ -486,6 +544,17 @@ TEST(Str1BytesTest, CutTextHasNoTerminator) {
     EXPECT_EQ(std::string(out, 4), "abcx");
     EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 4, u"UTF-8"), 0);
     EXPECT_STREQ(out, "abc");
+}
+
+TEST(Str1BytesTest, RoomForOneByteTakesNothingOfAText) {
+    char out[1] = {'x'};
+    int written = -1;
+    int position = 0;
+    EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 1, u"UTF-8", &written, &position),
+              QV_E_BUFFERTOOSMALL);
+    EXPECT_EQ(out[0], 'x') << "no terminator behind a cut text";
+    EXPECT_EQ(written, 0);
+    EXPECT_EQ(position, 0);
 }
 
 TEST(Str1BytesTest, RoomForOneByteTakesTheTerminatorOfAnEmptyText) {

@@ -146,6 +146,31 @@ TEST(StringTest, ModeValuesAreFixed) {
     EXPECT_EQ(String::TRIM_BOTH, 3);
 }
 
+TEST(StringTest, WrappingNothingGivesAnEmptyTextThatCanBeWritten) {
+    util::RWCharBuffer nothing;
+    String ofBuffer(String::ACQUIRE_WRAP, &nothing);
+    String ofNull(String::ACQUIRE_WRAP, static_cast<const char16_t*>(nullptr), 0);
+    String set(u"old");
+    set.setTo(String::ACQUIRE_WRAP, static_cast<const char16_t*>(nullptr), 0);
+    for (String* const text : {&ofBuffer, &ofNull, &set}) {
+        EXPECT_EQ(text->getLength(), 0);
+        EXPECT_EQ(text->getData()[0], 0);
+        text->append(u"text");
+        EXPECT_EQ(*text, u"text");
+        EXPECT_EQ(text->getData()[4], 0);
+    }
+    EXPECT_EQ(nothing.getLength(), 0);
+}
+
+TEST(StringTest, CopiesOfAnEmptyBufferShareTheEmptyOne) {
+    util::RWCharBuffer nothing;
+    EXPECT_TRUE(shares(String(&nothing), String()));
+    EXPECT_TRUE(shares(String(String::ACQUIRE_COPY, &nothing), String()));
+    EXPECT_TRUE(shares(String(String::ACQUIRE_COPY_UPPER, &nothing), String()));
+    util::RWCharBuffer room(100);
+    EXPECT_TRUE(shares(String(&room), String()));
+}
+
 TEST(StringTest, SystemWideTextIsTaken) {
     EXPECT_EQ(String(L"aé\U0001F600"), u"aé\U0001F600");
     EXPECT_EQ(String(L"abc", 2), u"ab");
@@ -383,6 +408,28 @@ TEST(StringTest, LongTextsGrowUnitByUnit) {
     EXPECT_EQ(text.getData()[70000], 0);
 }
 
+/// An inner buffer that tells its room.
+class MeasuredBuffer : public util::RWCharBuffer {
+public:
+    using RWBuffer::getCapacity;
+    using RWBuffer::RWBuffer;
+};
+
+TEST(StringTest, GrowthIsExactButForTheRounding) {
+    auto* const buffer = new MeasuredBuffer(u"", 1);
+    String text(String::ACQUIRE_SHARE, buffer);
+    for (int length = 1; length <= 500; ++length) {
+        text.append(u'a');
+        ASSERT_EQ(text.getData(), buffer->getData()) << "still the same inner buffer";
+        // The terminator and one unit more stand behind the text.
+        EXPECT_EQ(buffer->getCapacity(), (length + 2 + 15) / 16 * 16) << length;
+    }
+    text.append(u'a', 1000);
+    EXPECT_EQ(buffer->getCapacity(), (1500 + 2 + 15) / 16 * 16);
+    text.insert(0, u"0123456789");
+    EXPECT_EQ(buffer->getCapacity(), (1510 + 2 + 15) / 16 * 16);
+}
+
 TEST(StringTest, ImpossibleLengthsAreOutOfMemory) {
     String text(u"abc");
     EXPECT_THROW(text.append(u'x', std::numeric_limits<int>::max()), std::bad_alloc);
@@ -435,6 +482,25 @@ TEST(StringTest, TranslateMapsOneUnit) {
     String text(u"a/b/c");
     text.translate(u'/', u'\\');
     EXPECT_EQ(text, u"a\\b\\c");
+}
+
+TEST(StringTest, TrimmingASetTrimsZeroUnitsToo) {
+    // The search in a set finds its terminator.
+    String text(u"\0xab\0cx\0", 8);
+    text.trim(u"x", 1, String::TRIM_BOTH);
+    EXPECT_EQ(text, String(u"ab\0c", 4));
+    String left(u"\0ab\0", 4);
+    left.trim(u"x", 1, String::TRIM_LEFT);
+    EXPECT_EQ(left, String(u"ab\0", 3));
+    String blanks(u"\0 ab \0", 6);
+    blanks.trim();
+    EXPECT_EQ(blanks, u"ab");
+    String ofString(u"ab\0", 3);
+    ofString.trim(String(u"x"), String::TRIM_RIGHT);
+    EXPECT_EQ(ofString, u"ab");
+    String ofUnit(u"xab\0", 4);
+    ofUnit.trim(u'x', String::TRIM_BOTH);
+    EXPECT_EQ(ofUnit, String(u"ab\0", 3)) << "one unit is no set";
 }
 
 TEST(StringTest, TranslateOfTextsLeavesTheTextAsItWas) {

@@ -15,7 +15,8 @@ namespace qv::io::detail {
 /// The buffer holds the units from 0 up to `count_`, of which those from `pos_` on are still to be
 /// handed out. A mark is an index in the buffer. A refill keeps the units behind a live mark, and
 /// the buffer grows to the mark's limit for that; a mark whose limit is used up is given up. What
-/// the source throws passes through and leaves the units and the mark as they were.
+/// the source throws passes through and leaves the mark and the units that are still to be handed
+/// out as they were; what the call had handed out by then is gone.
 ///
 /// A read of at least the buffer's size goes past the buffer while no mark is live. A read that has
 /// units already does not wait for more: it ends where the source reports nothing available.

@@ -5,11 +5,11 @@
 
 #include <cstdio>
 
-/// Writing to a runtime stream, the same for both streams over one.
+/// Writing to a runtime stream, the same for both streams over one. A closed stream is null.
 namespace qv::io::detail {
 
 inline void writeByte(std::FILE* file, signed char byte) {
-    if (std::fputc(static_cast<unsigned char>(byte), file) == EOF) {
+    if (file == nullptr || std::fputc(static_cast<unsigned char>(byte), file) == EOF) {
         throw IoException(u"stream write error");
     }
 }
@@ -17,6 +17,9 @@ inline void writeByte(std::FILE* file, signed char byte) {
 /// Kept: goes past the runtime stream's buffer, so that a block can overtake single bytes unless
 /// `flush` is called between them.
 inline void writeBlock(std::FILE* file, const signed char* bytes, std::int32_t length) {
+    if (file == nullptr) {
+        throw IoException(u"stream write error");
+    }
     const std::int32_t result =
         length < 1 ? 0 : QVStreamWriteDirect(file, bytes, static_cast<std::uint32_t>(length));
     if (result < 0 || std::ferror(file) != 0) {
@@ -25,7 +28,7 @@ inline void writeBlock(std::FILE* file, const signed char* bytes, std::int32_t l
 }
 
 inline void flush(std::FILE* file) {
-    if (std::fflush(file) != 0) {
+    if (file == nullptr || std::fflush(file) != 0) {
         throw IoException(u"stream flush error");
     }
 }

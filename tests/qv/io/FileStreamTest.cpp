@@ -5,6 +5,7 @@
 #include "qvcore/File.h"
 #include "tests/support/ChildRole.h"
 #include "tests/support/Printing.h"
+#include "tests/support/Slots.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestProcess.h"
 #include "tests/support/Throws.h"
@@ -241,6 +242,77 @@ TEST_F(FileStreamTest, KeptClosedStreamEmptiesOnceAndAddsByReopening) {
     EXPECT_EQ(out.is_open(), 1);
     out.flush();
     EXPECT_EQ(out.is_open(), 0) << "a flush closes it";
+}
+
+TEST_F(FileStreamTest, KeptClosedStreamThatWasEmptiedAddsWithoutAppend) {
+    make("old");
+    FileOutputStream out(path(), FileOutputStream::TRUNC | FileOutputStream::KEEPCLOSED);
+    write(out, "one");
+    write(out, "XY");
+    EXPECT_EQ(content(), "oneXY");
+}
+
+TEST_F(FileStreamTest, LongNamesOfAnyScriptHaveLocksOfTheirOwn) {
+    const String common(u'\u4E2D', 60);
+    FileOutputStream first(path((common + String(u"1")).getData()), FileOutputStream::LOCK);
+    FileOutputStream second(path((common + String(u"2")).getData()), FileOutputStream::LOCK);
+    first.wait();
+    std::thread([&] { write(second, "free"); }).join();
+    first.signal();
+    EXPECT_EQ(content((common + String(u"2")).getData()), "free");
+}
+
+TEST_F(FileStreamTest, AddedOperationsStandBehindThoseOfTheContract) {
+    support::expectConsecutive(
+        {support::slotOf(&OutputStream::close), support::slotOf(&FileOutputStream::is_open),
+         support::slotOf(&FileOutputStream::open), support::slotOf(&FileOutputStream::getSize)});
+}
+
+TEST_F(FileStreamTest, DestructorClosesWhatIsOwned) {
+    make("abc");
+    std::uint64_t handle = 0;
+    {
+        FileInputStream in(path());
+        handle = in.getHandle();
+    }
+    EXPECT_LT(QVFileClose(handle), 0);
+    ASSERT_EQ(QVFileOpen(path().getData(), QV_FILE_WRITE, 0, &handle), 0);
+    { FileOutputStream out(handle, true); }
+    EXPECT_LT(QVFileClose(handle), 0);
+}
+
+TEST_F(FileStreamTest, FailureToCloseIsThrownByReadersAndSwallowedByWriters) {
+    make("abc");
+    std::uint64_t handle = 0;
+    ASSERT_EQ(QVFileOpen(path().getData(), QV_FILE_READ, 0, &handle), 0);
+    FileInputStream in(handle, true);
+    ASSERT_EQ(QVFileClose(handle), 0);
+    EXPECT_EQ(support::thrownResult([&] { in.close(); }), QV_E_INVALIDHANDLE);
+
+    ASSERT_EQ(QVFileOpen(path().getData(), QV_FILE_WRITE, 0, &handle), 0);
+    FileOutputStream out(handle, true);
+    ASSERT_EQ(QVFileClose(handle), 0);
+    EXPECT_NO_THROW(out.close());
+    EXPECT_EQ(out.is_open(), 1) << "not closed: still its handle";
+}
+
+TEST_F(FileStreamTest, EndIsAPlaceAtTheOpenAndTheLockMovesNothing) {
+    for (const unsigned int mode : {FileOutputStream::ATEND, FileOutputStream::LOCK}) {
+        make("");
+        FileOutputStream first(path(), mode);
+        FileOutputStream second(path(), mode);
+        write(first, "first");
+        write(second, "2");
+        EXPECT_EQ(content(), "2irst");
+    }
+}
+
+TEST_F(FileStreamTest, StreamWithoutALockWaitsForNothing) {
+    FileOutputStream out(path(), FileOutputStream::KEEPCLOSED);
+    out.wait();
+    std::thread([&] { write(out, "other thread"); }).join();
+    out.signal();
+    EXPECT_EQ(content(), "other thread");
 }
 
 TEST_F(FileStreamTest, KeptClosedStreamFollowsItsName) {

@@ -1,5 +1,5 @@
-// A locale with a decimal comma is made here, since a system may have none. On this system only: the
-// other one makes no locales from their sources.
+// A locale with a decimal comma is made here, since a system may have none. On this system only:
+// the other one makes no locales from their sources.
 
 #include "qv/String.h"
 #include "tests/support/ChildRole.h"
@@ -49,7 +49,8 @@ void writeCharmap(const std::filesystem::path& file) {
     map << "END CHARMAP\n";
 }
 
-/// Makes a locale "comma" in the folder. @return false where the system has nothing to make it with.
+/// Makes a locale "comma" in the folder. @return false where the system has nothing to make it
+/// with.
 bool makeCommaLocale(const std::filesystem::path& folder) {
     writeCharmap(folder / "map");
     std::ofstream source(folder / "source");

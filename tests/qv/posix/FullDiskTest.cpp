@@ -7,6 +7,7 @@
 #include "qv/io/OutputStreamWriter.h"
 #include "qv/io/PrintWriter.h"
 #include "qv/io/StdioOutputStream.h"
+#include "tests/support/TestFolder.h"
 #include "tests/support/Throws.h"
 
 #include <filesystem>
@@ -56,6 +57,15 @@ TEST(FullDiskTest, RuntimeStreamThrowsItsText) {
     EXPECT_EQ(support::thrownText<IoException>([&] { out.write("abc", 3); }), "stream write error");
     out.write(static_cast<signed char>('x')); // into the buffer
     EXPECT_EQ(support::thrownText<IoException>([&] { out.flush(); }), "stream flush error");
+}
+
+TEST(FilePermissionTest, NewFilesAreTheirOwnersAlone) {
+    const support::TestFolder folder;
+    const std::filesystem::path path = folder.path() / "file";
+    { FileOutputStream out(String(path.u16string().c_str()), false); }
+    EXPECT_EQ(std::filesystem::status(path).permissions() &
+                  (std::filesystem::perms::group_all | std::filesystem::perms::others_all),
+              std::filesystem::perms::none);
 }
 
 TEST(BrokenPipeTest, WriteThrowsItsResultAndRaisesNoSignal) {

@@ -27,15 +27,13 @@ std::vector<Unit> content(const AbstractBuffer<Unit>& buffer) {
     return {buffer.getData(), buffer.getData() + buffer.getLength()};
 }
 
-/// Shows how much room a buffer has: the size below which it does not move its units.
+/// The room that a buffer has, which it tells its subclasses only.
 template <class Unit>
-bool holds(RWBuffer<Unit>& buffer, int capacity) {
-    const Unit* const before = buffer.getData();
-    const int length = buffer.getLength();
-    const bool stayed = buffer.ensureCapacity(capacity) == before;
-    buffer.freeExtra();
-    EXPECT_EQ(buffer.getLength(), length);
-    return stayed;
+int capacityOf(const RWBuffer<Unit>& buffer) {
+    struct Open : RWBuffer<Unit> {
+        static auto capacity() { return &Open::getCapacity; }
+    };
+    return (buffer.*Open::capacity())();
 }
 
 template <class Unit>
@@ -59,17 +57,46 @@ TYPED_TEST(RWBufferTest, NewBufferHasNoStorage) {
 }
 
 TYPED_TEST(RWBufferTest, CapacityIsRoundedUpToSixteen) {
-    for (const int asked : {1, 16}) {
-        RWBuffer<TypeParam> buffer(asked);
-        TypeParam* const data = buffer.getWriteLock(16);
-        EXPECT_EQ(data, buffer.getData());
-        data[15] = 1;
-        EXPECT_EQ(buffer.ensureCapacity(8), data);
-        EXPECT_EQ(buffer.getLength(), 0);
+    const std::pair<int, int> roundings[] = {{0, 0},   {1, 16},  {15, 16}, {16, 16},
+                                             {17, 32}, {32, 32}, {33, 48}, {1000, 1008}};
+    for (const auto& [asked, given] : roundings) {
+        RWBuffer<TypeParam> made(asked);
+        EXPECT_EQ(capacityOf(made), given) << asked;
+        EXPECT_EQ(made.getData() == nullptr, asked == 0) << asked;
+        EXPECT_EQ(made.getLength(), 0);
+        RWBuffer<TypeParam> grown;
+        grown.ensureCapacity(asked);
+        EXPECT_EQ(capacityOf(grown), given) << asked;
+        RWBuffer<TypeParam> locked;
+        locked.getWriteLock(asked);
+        EXPECT_EQ(capacityOf(locked), given) << asked;
     }
-    RWBuffer<TypeParam> more(17);
-    const TypeParam* const data = more.getData();
-    EXPECT_EQ(more.ensureCapacity(32), data);
+}
+
+TYPED_TEST(RWBufferTest, GrowthIsExactButForTheRounding) {
+    RWBuffer<TypeParam> buffer(16);
+    for (int asked = 17; asked < 1000; ++asked) {
+        buffer.ensureCapacity(asked);
+        EXPECT_EQ(capacityOf(buffer), (asked + 15) / 16 * 16);
+    }
+}
+
+TYPED_TEST(RWBufferTest, EnsureCapacityNeverShrinks) {
+    RWBuffer<TypeParam> buffer(100);
+    TypeParam* const data = buffer.ensureCapacity(100);
+    for (const int asked : {100, 16, 1, 0, -1}) {
+        EXPECT_EQ(buffer.ensureCapacity(asked), data);
+        EXPECT_EQ(buffer.getWriteLock(asked), data);
+        EXPECT_EQ(capacityOf(buffer), 112);
+    }
+}
+
+TYPED_TEST(RWBufferTest, ConstructorTakesTheGreaterOfLengthAndCapacity) {
+    const auto units = numbered<TypeParam>(20);
+    EXPECT_EQ(capacityOf(RWBuffer<TypeParam>(units.data(), 20, 5)), 32);
+    EXPECT_EQ(capacityOf(RWBuffer<TypeParam>(units.data(), 20, 50)), 64);
+    EXPECT_EQ(capacityOf(RWBuffer<TypeParam>(units.data(), 0, 8)), 16);
+    EXPECT_EQ(capacityOf(RWBuffer<TypeParam>(units.data(), 0, 0)), 0);
 }
 
 TYPED_TEST(RWBufferTest, CopiesTheUnitsGiven) {
@@ -153,10 +180,133 @@ TYPED_TEST(RWBufferTest, FreeExtraOfAnEmptyBufferGivesTheStorageBack) {
 TYPED_TEST(RWBufferTest, FreeExtraKeepsTheLengthRoundedUp) {
     const auto units = numbered<TypeParam>(17);
     RWBuffer<TypeParam> buffer(units.data(), 17, 4000);
+    EXPECT_EQ(capacityOf(buffer), 4000);
     buffer.freeExtra();
+    EXPECT_EQ(capacityOf(buffer), 32);
     EXPECT_EQ(content(buffer), units);
-    const TypeParam* const data = buffer.getData();
-    EXPECT_EQ(buffer.ensureCapacity(32), data);
+    buffer.releaseWriteLock(16);
+    buffer.freeExtra();
+    EXPECT_EQ(capacityOf(buffer), 16);
+    buffer.releaseWriteLock(0);
+    buffer.freeExtra();
+    EXPECT_EQ(capacityOf(buffer), 0);
+    EXPECT_EQ(buffer.getData(), nullptr);
+}
+
+/// Counts the calls that reach the virtual table.
+template <class Unit>
+class CountingBuffer : public RWBuffer<Unit> {
+public:
+    Unit* ensureCapacity(int capacity) override {
+        asked.push_back(capacity);
+        return RWBuffer<Unit>::ensureCapacity(capacity);
+    }
+    void releaseWriteLock(int length) override {
+        released.push_back(length);
+        RWBuffer<Unit>::releaseWriteLock(length);
+    }
+    std::vector<int> asked;
+    std::vector<int> released;
+};
+
+TYPED_TEST(RWBufferTest, AssignmentGoesThroughTheVirtualOperations) {
+    const auto units = numbered<TypeParam>(5);
+    const RWBuffer<TypeParam> source(units.data(), 5, 40);
+    CountingBuffer<TypeParam> buffer;
+    RWBuffer<TypeParam>& base = buffer;
+    base = source;
+    EXPECT_EQ(buffer.asked, std::vector<int>{48});
+    EXPECT_EQ(buffer.released, std::vector<int>{5});
+    EXPECT_EQ(content(buffer), units);
+    const RWBuffer<TypeParam>& same = buffer;
+    base = same;
+    EXPECT_EQ(buffer.asked.size(), 1u) << "itself is left alone";
+    EXPECT_EQ(buffer.released.size(), 1u);
+}
+
+TYPED_TEST(RWBufferTest, WriteLockGoesThroughTheVirtualOperation) {
+    CountingBuffer<TypeParam> buffer;
+    buffer.getWriteLock(5);
+    EXPECT_EQ(buffer.asked, std::vector<int>{5});
+    EXPECT_TRUE(buffer.released.empty());
+}
+
+template <class Unit>
+class WholeBufferTest : public testing::Test {
+protected:
+    /// A whole buffer with room for 20 units, which are in it.
+    Reference<RWBuffer<Unit>> filled() {
+        Reference<RWBuffer<Unit>> buffer(RWBuffer<Unit>::makeWhole(20));
+        std::copy(units.begin(), units.end(), buffer->getWriteLock(20));
+        buffer->releaseWriteLock(20);
+        return buffer;
+    }
+    const std::vector<Unit> units = numbered<Unit>(20);
+};
+TYPED_TEST_SUITE(WholeBufferTest, Units);
+
+TYPED_TEST(WholeBufferTest, IsCountedAndRoundedAsOthers) {
+    const Reference<RWBuffer<TypeParam>> buffer(RWBuffer<TypeParam>::makeWhole(17));
+    EXPECT_EQ(buffer->GetRefCount(), 1u);
+    EXPECT_EQ(buffer->getLength(), 0);
+    EXPECT_EQ(capacityOf(*buffer), 32);
+    const TypeParam* const data = buffer->getData();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(buffer->ensureCapacity(32), data);
+}
+
+TYPED_TEST(WholeBufferTest, GrowthBeyondItsFirstStorageKeepsTheUnits) {
+    const auto buffer = this->filled();
+    const TypeParam* const first = buffer->getData();
+    TypeParam* const grown = buffer->ensureCapacity(33);
+    EXPECT_NE(grown, first);
+    EXPECT_EQ(capacityOf(*buffer), 48);
+    grown[47] = 1;
+    EXPECT_EQ(content(*buffer), this->units);
+    buffer->ensureCapacity(5000)[4999] = 1;
+    EXPECT_EQ(capacityOf(*buffer), 5008);
+    EXPECT_EQ(content(*buffer), this->units);
+    buffer->freeExtra();
+    EXPECT_EQ(capacityOf(*buffer), 32);
+    EXPECT_EQ(content(*buffer), this->units);
+}
+
+TYPED_TEST(WholeBufferTest, FreeExtraCutsToTheLength) {
+    const auto buffer = this->filled();
+    buffer->releaseWriteLock(3);
+    buffer->freeExtra();
+    EXPECT_EQ(capacityOf(*buffer), 16);
+    const std::vector<TypeParam> start(this->units.begin(), this->units.begin() + 3);
+    EXPECT_EQ(content(*buffer), start);
+    buffer->ensureCapacity(17)[16] = 1;
+    EXPECT_EQ(capacityOf(*buffer), 32);
+    EXPECT_EQ(content(*buffer), start);
+}
+
+TYPED_TEST(WholeBufferTest, FreeExtraOfAnEmptyOneLeavesNoStorage) {
+    const Reference<RWBuffer<TypeParam>> buffer(RWBuffer<TypeParam>::makeWhole(100));
+    buffer->freeExtra();
+    EXPECT_EQ(buffer->getData(), nullptr);
+    EXPECT_EQ(capacityOf(*buffer), 0);
+    buffer->getWriteLock(1)[0] = 1;
+    buffer->releaseWriteLock(1);
+    EXPECT_EQ(capacityOf(*buffer), 16);
+    EXPECT_EQ(buffer->getData()[0], 1);
+}
+
+TYPED_TEST(WholeBufferTest, CopiesHaveStorageOfTheirOwn) {
+    const auto buffer = this->filled();
+    const RWBuffer<TypeParam> copy(*buffer);
+    RWBuffer<TypeParam> assigned;
+    assigned = *buffer;
+    buffer->getWriteLock(1)[0] = 1;
+    EXPECT_EQ(content(copy), this->units);
+    EXPECT_EQ(content(assigned), this->units);
+}
+
+TYPED_TEST(WholeBufferTest, ImpossibleSizesAreOutOfMemory) {
+    EXPECT_THROW(RWBuffer<TypeParam>::makeWhole(std::numeric_limits<int>::max()), std::bad_alloc);
+    EXPECT_THROW(RWBuffer<TypeParam>::makeWhole(-1), std::bad_alloc);
 }
 
 TYPED_TEST(RWBufferTest, ImpossibleSizesAreOutOfMemory) {
@@ -304,7 +454,11 @@ public:
         ++released;
         return refuseRelease ? QV_E_BUSY : RWCharBuffer::ReleaseWriteLock(length);
     }
+    std::int32_t ReleaseReadLock() const noexcept override {
+        return refuseReadRelease ? QV_E_BUSY : RWCharBuffer::ReleaseReadLock();
+    }
     bool refuseRead = false;
+    bool refuseReadRelease = false;
     bool refuseWrite = false;
     bool refuseRelease = false;
     int released = 0;
@@ -327,6 +481,15 @@ TEST(QVCopyCharBufferTest, CopiesAStringToAStringAndAnEmptyOne) {
     EXPECT_EQ(QVCopyCharBuffer(&target, &empty), 0);
     EXPECT_EQ(target, u"");
     EXPECT_EQ(source, u"text");
+}
+
+TEST(QVCopyCharBufferTest, FailureLeavesTheLengthOfTheTarget) {
+    String target(u"a\0b", 3);
+    RefusingBuffer source;
+    source.refuseRead = true;
+    EXPECT_EQ(support::thrownResult([&] { QVCopyCharBuffer(&target, &source); }), QV_E_BUSY);
+    EXPECT_EQ(target.getLength(), 3);
+    EXPECT_EQ(target, String(u"a\0b", 3));
 }
 
 TEST(QVCopyCharBufferTest, RefusedLocksThrowTheirResult) {
@@ -364,6 +527,50 @@ TEST(BufferLocksDeathTest, FailedReleaseInADestructorEndsTheProcess) {
     RefusingBuffer buffer;
     buffer.refuseRelease = true;
     EXPECT_DEATH({ BufferWriteLock<char16_t> lock(buffer, 4); }, "");
+}
+
+TEST(BufferLocksDeathTest, FailedReleaseOfAReaderEndsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    RefusingBuffer buffer;
+    buffer.refuseReadRelease = true;
+    EXPECT_DEATH({ const BufferReadLock<char16_t> lock(buffer); }, "");
+}
+
+TEST(BufferLocksTest, EarlyReleaseThrowsItsResult) {
+    RefusingBuffer buffer;
+    buffer.refuseReadRelease = true;
+    BufferReadLock<char16_t> reading(buffer);
+    EXPECT_EQ(support::thrownResult([&] { reading.release(); }), QV_E_BUSY);
+    buffer.refuseRelease = true;
+    BufferWriteLock<char16_t> writing(buffer, 4);
+    EXPECT_EQ(support::thrownResult([&] { writing.release(); }), QV_E_BUSY);
+}
+
+/// A buffer of "abc" with its terminator.
+RefusingBuffer* newTextBuffer() {
+    auto* const buffer = new RefusingBuffer;
+    std::copy_n(u"abc", 4, buffer->ensureCapacity(4));
+    buffer->RWCharBuffer::releaseWriteLock(4);
+    return buffer;
+}
+
+TEST(StringDeathTest, FailedReadReleaseOfTheInnerBufferEndsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto* const buffer = newTextBuffer();
+    const String text(String::ACQUIRE_SHARE, buffer);
+    EXPECT_TRUE(text.equals(u"abc"));
+    buffer->refuseReadRelease = true;
+    EXPECT_DEATH({ static_cast<void>(text.equals(u"abc")); }, "");
+}
+
+TEST(StringDeathTest, FailedWriteReleaseOfTheInnerBufferEndsTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto* const buffer = newTextBuffer();
+    String text(String::ACQUIRE_SHARE, buffer);
+    text.append(u"d");
+    EXPECT_EQ(text, u"abcd");
+    buffer->refuseRelease = true;
+    EXPECT_DEATH({ text.append(u"e"); }, "");
 }
 
 } // namespace

@@ -159,6 +159,20 @@ TEST_F(DefinedOptionTest, DefaultsAreSeparatedByCommasAndBlanks) {
     EXPECT_EQ(option->getValueString(4), u"e\"");
 }
 
+TEST_F(DefinedOptionTest, LosesAQuotedTokenThatOpensAnOptionToo) {
+    EXPECT_EQ(parse(u"-o \"-b c\" d"), "o() d");
+    EXPECT_EQ(parse(u"-o a /b c"), "o(a) c");
+}
+
+TEST_F(DefinedOptionTest, NamesThatDifferInCaseAreTwoUntilCaseIsIgnored) {
+    parser.defineOption(u"O", 0, u"upper");
+    parse(u"");
+    EXPECT_EQ(parser.getValueString(u"o", 0), u"p");
+    EXPECT_EQ(parser.getValueString(u"O", 0), u"upper");
+    parser.setIgnoreCase(true);
+    EXPECT_EQ(parser.getValueString(u"o", 0), u"upper") << "the later definition counts";
+}
+
 TEST(CommandLineParserTest, SecondParseDropsTheFirst) {
     CommandLineParser parser;
     parser.defineOption(u"o", 1);

@@ -79,6 +79,9 @@ const Normalized normalized[] = {
     {u"a.b/c.d", u"a.b/c.d"},
     {u"a/b/c/../../d", u"a/d"},
     {u"\u00E9/../\u4E2D", u"\u4E2D"},
+    {u"../.", u"../"},
+    {u"a/../../b", u"../b"},
+    {u"a/../.", u"./"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, PathNormalizerTest, testing::ValuesIn(normalized));
 
@@ -151,6 +154,8 @@ const Parts parts[] = {
     {u":x", u":x", 0, false, u"", u"", u":x", u":x", u"", u""},
     {u"a/b/../c", u"a\\c", 0, false, u"", u"a", u"c", u"c", u"", u"a"},
     {u"dir/", u"dir\\", 0, false, u"", u"dir", u"", u"", u"", u"dir"},
+    {u"C:\\a\\..\\", u"C:", 3, false, u"C:", u"C:", u"", u"", u"", u""},
+    {u"\\a\\..\\", u"", 1, false, u"", u"", u"", u"", u"", u""},
     {u"C:\\x.y\\", u"C:\\x.y\\", 3, false, u"C:", u"C:\\x.y", u"", u"", u"", u"C:\\x.y"},
 };
 INSTANTIATE_TEST_SUITE_P(Table, FilePathPartsTest, testing::ValuesIn(parts));
