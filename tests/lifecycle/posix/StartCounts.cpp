@@ -1,5 +1,6 @@
-// The library's own start and end, in a program that consists of the library's objects and so reaches
-// what a module hides. Its load notification has run when main begins, and runs again at the exit.
+// The library's own start and end, in a program that consists of the library's objects and so
+// reaches what a module hides. Its load notification has run when main begins, and runs again at
+// the exit.
 
 #include "face/Library.h"
 #include "qv/ClassManager.h"

@@ -1,5 +1,5 @@
-// A locale with a decimal comma is made here, since a system may have none. On this system only:
-// the other one makes no locales from their sources.
+// A locale with a decimal comma is made here, since a system may have none. The other system brings
+// its own along.
 
 #include "qv/String.h"
 #include "tests/support/ChildRole.h"
