@@ -6,6 +6,7 @@
 #include "qv/io/FileInputStream.h"
 #include "qv/io/FileOutputStream.h"
 #include "tests/lifecycle/Check.h"
+#include "tests/support/UniqueName.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -38,8 +39,7 @@ inline void useLibrary(const char* who) {
     }
 
     const std::filesystem::path path =
-        std::filesystem::temp_directory_path() /
-        (std::string("qvcl-life-") + who + std::to_string(std::rand()));
+        std::filesystem::temp_directory_path() / (support::uniqueName() + who);
     const qv::String name(path.u16string().c_str());
     {
         qv::io::FileOutputStream out(name, qv::io::FileOutputStream::TRUNC |

@@ -410,7 +410,8 @@ TEST_F(FileStreamThreadsTest, HolderOfTheLockKeepsOtherThreadsOut) {
 
 constexpr int processes = 8;
 constexpr int linesEach = 10000;
-// Each durable line opens the file anew and reaches the disk, which an emulated system takes minutes for.
+// Each durable line opens the file anew and reaches the disk, which an emulated system takes
+// minutes for.
 constexpr bool emulated = std::filesystem::path::preferred_separator == '\\';
 constexpr int durableLines = emulated ? linesEach / 50 : linesEach;
 
