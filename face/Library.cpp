@@ -77,6 +77,7 @@ std::int32_t endLibrary() noexcept {
         freeEncodingNames();
         text::charset::CodecManager::freeInstance();
         ClassManager::freeInstance();
+        QVModuleForgetFork(&lockForFork);
         delete std::exchange(g_pGlobalLock, nullptr);
     });
 }

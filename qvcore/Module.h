@@ -11,6 +11,9 @@ QVCORE_API int32_t QVModuleIsInitialized(uint64_t identity) QVCORE_NOEXCEPT;
 /// Has `before` called in front of a fork, `after` behind it in both processes, until the module
 /// that holds `before` is unloaded. Nothing happens on systems without fork.
 QVCORE_API int32_t QVModuleOnFork(void (*before)(void), void (*after)(void)) QVCORE_NOEXCEPT;
+/// Ends what QVModuleOnFork began with `before`, for a module that goes. Unknown functions are
+/// ignored.
+QVCORE_API void QVModuleForgetFork(void (*before)(void)) QVCORE_NOEXCEPT;
 
 /// The command line of the process as the system keeps it, program name and quoting included, on
 /// systems that keep one; elsewhere null. Lives as long as the process.

@@ -2,6 +2,7 @@
 
 #include "qvcore/Text.h"
 #include "qvcore/common/Guarded.h"
+#include "qvcore/common/Immortal.h"
 #include "qvcore/common/SystemComponents.h"
 
 #include <algorithm>
@@ -48,10 +49,7 @@ std::u16string folded(const char16_t* progId) {
 /// Thread safety: internally locked; no class is called under the lock.
 class ProcessClasses {
 public:
-    static ProcessClasses& instance() {
-        static ProcessClasses& classes = *new ProcessClasses;
-        return classes;
-    }
+    static ProcessClasses& instance() { return core::immortal<ProcessClasses>(); }
 
     std::int32_t add(const char16_t* progId, const GUID& classId,
                      QVComGetClassObject getClassObject) {

@@ -1,6 +1,7 @@
 #include "qvcore/Module.h"
 
 #include "qvcore/common/Guarded.h"
+#include "qvcore/common/Immortal.h"
 
 #include <mutex>
 #include <set>
@@ -11,10 +12,7 @@ namespace {
 /// objects do.
 class RunningModules {
 public:
-    static RunningModules& instance() {
-        static RunningModules& modules = *new RunningModules;
-        return modules;
-    }
+    static RunningModules& instance() { return qv::core::immortal<RunningModules>(); }
 
     void set(std::uint64_t identity, bool isRunning) {
         const std::lock_guard lock(mutex_);

@@ -1,5 +1,7 @@
 #include "qvcore/Ipc.h"
 
+#include "qvcore/common/Immortal.h"
+
 #include "qvcore/common/Handle.h"
 #include "qvcore/common/NameDigest.h"
 #include "qvcore/common/SharedOpen.h"
@@ -30,10 +32,7 @@ static_assert(sizeof(MemoryHeader) <= headerSpace);
 /// Thread safety: internally locked.
 class AttachedBlocks {
 public:
-    static AttachedBlocks& instance() {
-        static AttachedBlocks& blocks = *new AttachedBlocks;
-        return blocks;
-    }
+    static AttachedBlocks& instance() { return core::immortal<AttachedBlocks>(); }
 
     void add(void* address, std::size_t mappedSize) {
         const std::lock_guard lock(mutex_);

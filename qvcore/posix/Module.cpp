@@ -2,6 +2,7 @@
 
 #include "qvcore/NativeResult.h"
 #include "qvcore/common/Guarded.h"
+#include "qvcore/common/Immortal.h"
 
 #include <algorithm>
 #include <dlfcn.h>
@@ -38,10 +39,7 @@ struct ModuleIdentity {
 /// Thread safety: internally locked.
 class ForkHandlers {
 public:
-    static ForkHandlers& instance() {
-        static ForkHandlers& handlers = *new ForkHandlers;
-        return handlers;
-    }
+    static ForkHandlers& instance() { return core::immortal<ForkHandlers>(); }
 
     std::int32_t add(void (*before)(), void (*after)()) {
         const std::lock_guard lock(mutex_);
@@ -60,6 +58,12 @@ public:
         });
         entries_.push_back({before, after, ModuleIdentity::of(before)});
         return QV_S_OK;
+    }
+
+    void remove(void (*before)()) {
+        const std::lock_guard lock(mutex_);
+        std::erase_if(entries_, [=](const Entry& entry) { return entry.before == before; });
+        entries_.shrink_to_fit();
     }
 
 private:
@@ -97,6 +101,13 @@ std::int32_t QVModuleOnFork(void (*before)(void), void (*after)(void)) noexcept 
         return QV_E_INVALIDARG;
     }
     return core::guarded([=] { return ForkHandlers::instance().add(before, after); });
+}
+
+void QVModuleForgetFork(void (*before)(void)) noexcept {
+    core::guarded([=] {
+        ForkHandlers::instance().remove(before);
+        return QV_S_OK;
+    });
 }
 
 const char16_t* QVModuleGetCommandLine() noexcept { return nullptr; }

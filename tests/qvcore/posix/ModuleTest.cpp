@@ -54,6 +54,12 @@ int checkForkHandlers(const std::vector<std::string>&) {
     if (inFork([] { return calls == "b1 b2 a2 a1 " ? 0 : 1; }) != 0) {
         return 4;
     }
+    calls.clear();
+    QVModuleForgetFork(beforeFirst);
+    QVModuleForgetFork(nullptr);
+    if (inFork([] { return calls == "b2 a2 " ? 0 : 1; }) != 0) {
+        return 5;
+    }
     return 0;
 }
 
