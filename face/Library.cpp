@@ -47,9 +47,6 @@ void registerCodecs() {
     }
 }
 
-/// The word that tells this module from others.
-std::uint64_t identity() { return reinterpret_cast<std::uintptr_t>(&entry); }
-
 } // namespace
 
 std::int32_t startLibrary() noexcept {
@@ -81,6 +78,8 @@ std::int32_t endLibrary() noexcept {
         delete std::exchange(g_pGlobalLock, nullptr);
     });
 }
+
+std::uint64_t identity() noexcept { return reinterpret_cast<std::uintptr_t>(&entry); }
 
 int entry(void* instance, std::uint32_t reason, void*) noexcept {
     if (reason == ProcessAttach) {

@@ -16,6 +16,9 @@ std::int32_t startLibrary() noexcept;
 /// @return 0; QV_E_FAIL where the library is not up.
 std::int32_t endLibrary() noexcept;
 
+/// The word that tells this module from others, wherever the platform layer acts on its behalf.
+std::uint64_t identity() noexcept;
+
 /// The library's entry routine. @return 1, always: the library never refuses to load.
 int entry(void* instance, std::uint32_t reason, void* reserved) noexcept;
 

@@ -13,7 +13,9 @@ char16_t* copyOf(const char16_t* name) {
         return nullptr;
     }
     const std::size_t size = static_cast<std::size_t>(QVStrLenW_32(name)) + 1;
-    return std::copy_n(name, size, new char16_t[size]) - size;
+    auto* const copy = new char16_t[size];
+    std::copy_n(name, size, copy);
+    return copy;
 }
 
 char16_t asciiLower(char16_t unit) noexcept {

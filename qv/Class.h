@@ -23,6 +23,7 @@ public:
 
     // Slot order is contract from here on.
 
+    /// The registered name, 0-terminated. Borrows: it lies in static storage.
     virtual const char16_t* getName() const;
     /// True only for the very type of the record: an instance of a subclass is none of this class.
     virtual bool isInstance(const Object& object) const;

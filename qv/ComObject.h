@@ -47,6 +47,10 @@ public:
     /// May throw: the platform may refuse to end what a class holds, a held lock for one.
     virtual ~ComObject() noexcept(false) {}
 
+    /// Gives the last reference back, as Release does, but without a locked operation.
+    /// Requires: the count is 1, and no other thread can take a reference meanwhile.
+    void ReleaseLast() const noexcept { end(); }
+
     /// A snapshot that may be stale when it returns.
     std::uint32_t GetRefCount() const noexcept { return count_.load(std::memory_order_acquire); }
     /// Calls QueryInterface: there is no separate inner unknown.
@@ -66,6 +70,8 @@ protected:
     std::uint32_t InternalRelease() const noexcept {
         return count_.fetch_sub(1, std::memory_order_acq_rel) - 1;
     }
+    /// The first reference of an object that nobody else has seen yet and that has no module.
+    void holdFirst() noexcept { count_.store(1, std::memory_order_relaxed); }
 
 private:
     void lockModule() const noexcept;

@@ -12,6 +12,7 @@ class QV_API Exception : public Object {
 public:
     /// The description stays empty.
     Exception();
+    /// Shares the characters of `description`.
     Exception(const String& description);
     Exception(const Exception& other);
     Exception& operator=(const Exception& other);
@@ -19,6 +20,7 @@ public:
 
     // Slot order is contract from here on.
 
+    /// The message; empty unless a constructor gave one.
     virtual String getDescription() const;
     /// The result that this exception becomes on a component face: QV_E_FAIL unless a class says
     /// more.
@@ -33,9 +35,11 @@ class QV_API ResultException : public Exception {
 public:
     /// Carries QV_E_FAIL.
     ResultException();
+    /// Carries `result`, without a description.
     explicit ResultException(std::int32_t result);
     ResultException(std::int32_t result, const String& description);
 
+    /// The result that it was made with.
     std::int32_t getResult() const override;
 
 private:

@@ -86,20 +86,33 @@ private:
     [[maybe_unused]] _EXCEPTION_POINTERS* fault_ = nullptr;
 };
 
+/// An access to memory that is not there, or not for that use.
 class QV_API AccessViolationException : public ExternalException {};
+/// An index that the processor found outside its array.
 class QV_API ArrayBoundsException : public ExternalException {};
+/// An instruction that the processor does not know or does not allow.
 class QV_API IllegalInstructionException : public ExternalException {};
+/// No room left on the stack.
 class QV_API StackOverflowException : public ExternalException {};
+/// The user broke the program off.
 class QV_API UserAbortException : public ExternalException {};
 
+/// A fault of whole-number arithmetic.
 class QV_API IntErrorException : public ExternalException {};
+/// A whole number divided by 0.
 class QV_API IntDivByZeroException : public IntErrorException {};
+/// A whole number that its type cannot hold.
 class QV_API IntOverflowException : public IntErrorException {};
 
+/// A fault of floating-point arithmetic.
 class QV_API MathErrorException : public ExternalException {};
+/// A floating-point number divided by 0.
 class QV_API MathDivByZeroException : public MathErrorException {};
+/// An operation without a result.
 class QV_API MathInvalidOpException : public MathErrorException {};
+/// A result too large for its type.
 class QV_API MathOverflowException : public MathErrorException {};
+/// A result too small for its type.
 class QV_API MathUnderflowException : public MathErrorException {};
 
 } // namespace qv

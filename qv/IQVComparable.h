@@ -9,8 +9,9 @@ inline constexpr GUID IID_IQVComparable{
 class IQVComparable : public IQVUnknown {
 public:
     /// Stores a negative number, 0 or a positive number in `*result`, as this object stands before,
-    /// with or behind `other`.
+    /// with or behind `other`. @return 0, or a failure with 0 stored.
     virtual std::int32_t CompareTo(const IQVUnknown* other, std::int32_t* result) const = 0;
+    /// Stores the hash of this object in `*result`. @return 0, or a failure with 0 stored.
     virtual std::int32_t HashCode(std::uint32_t* result) const = 0;
 
 protected:

@@ -51,6 +51,16 @@ public:
 
     void swap(Reference& other) noexcept { std::swap(object_, other.object_); }
 
+    /// Holds an object whose reference the caller already has and gives up here: what an
+    /// out-parameter of a component operation hands out, for one.
+    static Reference adopt(T* object) noexcept {
+        Reference holder;
+        holder.object_ = object;
+        return holder;
+    }
+    /// Gives the reference up to the caller, who owes the Release. @return the object.
+    [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
+
 private:
     void addRef() noexcept {
         if (object_ != nullptr) {

@@ -2,6 +2,7 @@
 
 #include "qv/ErrorRule.h"
 #include "qv/Exceptions.h"
+#include "qv/detail/Exactly.h"
 #include "qv/detail/Units.h"
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
@@ -133,14 +134,26 @@ Str1& Str1::append(const char16_t* text, int length) {
 }
 
 Str1& Str1::append(char16_t unit, int count) {
-    if (count == 1 && buffer_ != nullptr) {
-        const auto end = static_cast<unsigned int>(offset_ + length_);
-        if (end < buffer_->isPrivatelyHeld(0)) {
-            buffer_->getData()[end] = unit;
-            ++length_;
-            return *this;
-        }
+    return count == 1 && appendInPlace(unit) ? *this : appendUnits(unit, count);
+}
+
+/// The most frequent edit, without a call: into a heap store that has room for it.
+inline bool Str1::appendInPlace(char16_t unit) noexcept {
+    if (buffer_ == nullptr) {
+        return false;
     }
+    const auto* const heap = detail::exactly<StrBuf1Heap>(buffer_);
+    const auto end = static_cast<unsigned int>(offset_ + length_);
+    if (heap == nullptr || end >= heap->heldCapacity()) {
+        return false;
+    }
+    heap->getData()[end] = unit;
+    ++length_;
+    return true;
+}
+
+/// The rest of it, apart from the frequent case so that that one needs no registers saved.
+[[gnu::noinline]] Str1& Str1::appendUnits(char16_t unit, int count) {
     if (count > 0) {
         ensureCapacity1(sum(length_, count), 0, -1);
         std::fill_n(writable() + length_, count, unit);
@@ -150,7 +163,7 @@ Str1& Str1::append(char16_t unit, int count) {
 }
 
 Str1& Str1::append(const Str1& text, int count, int start) {
-    const bool whole = count < 0 || count > text.length_ - start;
+    const bool whole = count < 0 || start < 0 || count > text.length_ - start;
     const Str1 part(text, start, whole ? -1 : start + count);
     if (buffer_ == nullptr) {
         return setTo(part);
@@ -196,8 +209,17 @@ int Str1::ensureCapacity1(unsigned int needed, int keepStart, int keepEnd) {
     // Only a text that grows pays for room to grow.
     const unsigned int grown =
         kept == 0 ? needed : std::max(needed, StrBuf1::normalizeCapacity(needed) * 5 / 4);
-    return moveTo(StrBuf1::newStrBuf1Cap(std::min(grown, StrBuf1::greatestCapacity)), keepStart,
-                  kept);
+    return growTo(std::min(grown, StrBuf1::greatestCapacity), keepStart, kept);
+}
+
+/// Goes on in a heap store of `capacity` units, which is the present one where it can be had.
+int Str1::growTo(unsigned int capacity, int keepStart, int kept) {
+    const bool isWhole = offset_ == 0 && keepStart == 0 && kept > 0;
+    if (StrBuf1* const grown = isWhole ? StrBuf1::growInPlace(buffer_, capacity) : nullptr) {
+        buffer_ = grown;
+        return static_cast<int>(grown->getBufCapacity());
+    }
+    return moveTo(StrBuf1::newStrBuf1Cap(capacity), keepStart, kept);
 }
 
 int Str1::moveTo(StrBuf1* buffer, int keepStart, int kept) noexcept {
@@ -308,7 +330,7 @@ std::int32_t Str1::appendA(const signed char* bytes, int length, const char16_t*
 std::int32_t Str1::convertToA(char* out, int size, CharToByteConverter& encoder, int* written,
                               int* position) const {
     std::int32_t bytes = 0;
-    std::int32_t consumed = position != nullptr ? *position : 0;
+    std::int32_t consumed = position != nullptr ? std::max(*position, 0) : 0;
     const std::int32_t result = toResult([&] {
         encoder.convert(getData0(), &consumed, length_, reinterpret_cast<signed char*>(out), &bytes,
                         size);

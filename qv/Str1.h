@@ -123,7 +123,10 @@ protected:
     StrBuf1* getBuffer() const noexcept { return buffer_; }
 
 private:
+    bool appendInPlace(char16_t unit) noexcept;
+    Str1& appendUnits(char16_t unit, int count);
     char16_t* writable() noexcept { return buffer_->getData() + offset_; }
+    int growTo(unsigned int capacity, int keepStart, int kept);
     int moveTo(StrBuf1* buffer, int keepStart, int kept) noexcept;
     std::int32_t mapUnits(char16_t (*map)(char16_t) noexcept);
 

@@ -5,6 +5,7 @@
 #include "qv/Str1.h"
 #include "qv/detail/SampledHash.h"
 
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -33,6 +34,9 @@ public:
         const Entry* entry_ = nullptr;
     };
 
+    /// An empty map of `capacity` buckets, at least one, which grows at `load` entries for each of
+    /// them. Requires: a load above 0.
+    /// @throws std::bad_alloc.
     explicit Str1HashMap(int capacity = DEFAULT_CAPACITY, float load = DEFAULT_LOAD)
         : capacity_(capacity < 1 ? 1 : capacity), load_(load) {
         allocTable(capacity_);
@@ -182,8 +186,16 @@ private:
     void allocTable(int capacity) {
         table_ = std::make_unique<Chain[]>(static_cast<std::size_t>(capacity));
         capacity_ = capacity;
-        threshold_ = static_cast<int>(static_cast<float>(capacity) * load_);
+        threshold_ = thresholdOf(capacity);
         size_ = 0;
+    }
+
+    /// The product of capacity and load. Where that is no `int`, the table never grows.
+    int thresholdOf(int capacity) const noexcept {
+        constexpr auto beyond = static_cast<float>(std::numeric_limits<int>::max());
+        const float product = static_cast<float>(capacity) * load_;
+        return product > -beyond && product < beyond ? static_cast<int>(product)
+                                                     : std::numeric_limits<int>::max();
     }
 
     /// Moves the entries, from the last bucket to the first, each to the head of its new chain.

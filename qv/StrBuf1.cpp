@@ -1,8 +1,23 @@
 #include "qv/StrBuf1.h"
 
-#include <new>
+#include "qv/detail/Exactly.h"
 
 namespace qv {
+
+namespace {
+
+std::size_t heapSize(unsigned int capacity) {
+    return sizeof(StrBuf1Heap) + std::size_t{capacity} * sizeof(char16_t);
+}
+
+void* checkedMemory(void* memory) {
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+} // namespace
 
 StrBuf1::StrBuf1(char16_t* data, unsigned int capacity) noexcept
     : data_(data), capacityAndFlags_(capacity & capacityMask) {}
@@ -28,8 +43,6 @@ unsigned int StrBuf1::isPrivatelyHeld(short embedded) const noexcept {
     return count_ <= greatestCount ? capacityAndFlags_ & capacityMask : 0;
 }
 
-unsigned int StrBuf1::getBufCapacity() const noexcept { return capacityAndFlags_ & capacityMask; }
-
 void StrBuf1::initStaticInstance(short neverShared) noexcept {
     AddRef();
     capacityAndFlags_ |= staticBit;
@@ -51,11 +64,22 @@ StrBuf1* StrBuf1::newStrBuf1Cap(unsigned int capacity) {
         throw std::bad_alloc();
     }
     const unsigned int rounded = normalizeCapacity(capacity);
-    void* const memory =
-        ::operator new (sizeof(StrBuf1Wrap) + std::size_t{rounded} * sizeof(char16_t));
-    auto* const units =
-        reinterpret_cast<char16_t*>(static_cast<std::byte*>(memory) + sizeof(StrBuf1Wrap));
-    return new (memory) StrBuf1Wrap(units, rounded);
+    return StrBuf1Heap::make(checkedMemory(std::malloc(heapSize(rounded))), rounded);
+}
+
+StrBuf1* StrBuf1::growInPlace(StrBuf1* store, unsigned int capacity) {
+    if (detail::exactly<StrBuf1Heap>(store) == nullptr || store->count_ != 1) {
+        return nullptr;
+    }
+    if (capacity > greatestCapacity) {
+        throw std::bad_alloc();
+    }
+    const unsigned int rounded = normalizeCapacity(capacity);
+    // The header holds nothing but its count and a pointer behind itself: it is made anew.
+    void* const memory = std::realloc(static_cast<void*>(store), heapSize(rounded));
+    StrBuf1* const grown = StrBuf1Heap::make(checkedMemory(memory), rounded);
+    grown->AddRef();
+    return grown;
 }
 
 StrBuf1Wrap::StrBuf1Wrap(const char16_t* data, unsigned int capacity) noexcept

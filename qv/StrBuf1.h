@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <new>
 
 namespace qv {
 
@@ -30,7 +32,9 @@ public:
     /// The capacity if the caller may write in place, otherwise 0. `embedded` is not 0 where the
     /// caller asks about a store that is not its current one.
     virtual unsigned int isPrivatelyHeld(short embedded) const noexcept;
-    virtual unsigned int getBufCapacity() const noexcept;
+    virtual unsigned int getBufCapacity() const noexcept {
+        return capacityAndFlags_ & capacityMask;
+    }
 
     // Slot order ends here.
 
@@ -49,16 +53,14 @@ public:
     /// A store on the heap, header and units in one allocation, with its count at 0.
     /// @throws std::bad_alloc, also for more than `greatestCapacity` units.
     static StrBuf1* newStrBuf1Cap(unsigned int capacity);
+    /// The same store with room for `capacity` units, where it came from `newStrBuf1Cap` and the
+    /// caller alone holds it: it may move, and its pointer with it. Null where it is another kind.
+    /// @throws std::bad_alloc as above, and leaves the store as it was.
+    static StrBuf1* growInPlace(StrBuf1* store, unsigned int capacity);
     /// Rounded up to a multiple of 16.
     static constexpr unsigned int normalizeCapacity(unsigned int capacity) noexcept {
         return (capacity + 15u) & ~15u;
     }
-
-    /// Header and units may be one allocation, whose size the header alone does not tell.
-    static void operator delete(void* memory) noexcept { ::operator delete(memory); }
-    static void operator delete(void*, void*) noexcept {}
-    static void* operator new(std::size_t size) { return ::operator new(size); }
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
 
 protected:
     /// Borrows: `data`, unless it is part of the same allocation. The capacity is cut to 24 bits.
@@ -81,6 +83,25 @@ public:
     StrBuf1Wrap(const char16_t* data, unsigned int capacity) noexcept;
     /// The same over memory that is not filled yet.
     StrBuf1Wrap(char16_t* data, unsigned int capacity) noexcept : StrBuf1(data, capacity) {}
+};
+
+/// A store in one allocation with its units, which stand behind it. `StrBuf1::newStrBuf1Cap` makes
+/// it.
+class QV_API StrBuf1Heap final : public StrBuf1Wrap {
+public:
+    static StrBuf1Heap* make(void* memory, unsigned int capacity) noexcept {
+        return ::new (memory) StrBuf1Heap(capacity);
+    }
+    static void operator delete(void* memory) noexcept { std::free(memory); }
+
+    /// As `isPrivatelyHeld`, for callers that know the class: it is no static instance.
+    unsigned int heldCapacity() const noexcept {
+        return getRefCount() < 2 ? StrBuf1::getBufCapacity() : 0;
+    }
+
+private:
+    explicit StrBuf1Heap(unsigned int capacity) noexcept
+        : StrBuf1Wrap(reinterpret_cast<char16_t*>(this + 1), capacity) {}
 };
 
 /// A store over read-only text: any write copies.

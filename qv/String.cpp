@@ -49,7 +49,13 @@ void addReference(IQVCharBuffer* buffer) noexcept {
 
 void release(IQVCharBuffer* buffer) noexcept {
     if (auto* own = detail::exactly<util::RWCharBuffer>(buffer)) {
-        own->ComObject::Release();
+        // The one string that holds it belongs to this thread: no other can take a reference
+        // meanwhile, and the locked operation, which costs as much as all the rest, is saved.
+        if (own->GetRefCount() == 1) {
+            own->ReleaseLast();
+        } else {
+            own->ComObject::Release();
+        }
     } else {
         buffer->Release();
     }
@@ -72,12 +78,12 @@ int withTerminator(int length) {
 /// A new buffer, counted for the caller, with room for `length` units and `capacity` units in all.
 IQVCharBuffer* takeNewBuffer(const char16_t* units, int length, int capacity) {
     const int innerLength = withTerminator(length);
-    auto* const buffer = util::RWCharBuffer::makeWhole(std::max(capacity, innerLength));
+    Reference buffer = util::RWCharBuffer::makeWhole(std::max(capacity, innerLength));
     char16_t* const target = buffer->util::RWCharBuffer::ensureCapacity(innerLength);
     std::copy_n(units, length, target);
     target[length] = 0;
     buffer->util::RWCharBuffer::releaseWriteLock(innerLength);
-    return counted(buffer);
+    return buffer.detach();
 }
 
 IQVCharBuffer* takeCopy(const char16_t* text, int length, int capacity) {
@@ -398,10 +404,10 @@ void String::copyOnWrite(int minCapacity) {
     {
         const util::BufferReadLock<char16_t> lock(*buffer_);
         const int innerLength = buffer_->GetLength();
-        auto* const copy = util::RWCharBuffer::makeWhole(std::max(innerLength, minCapacity));
+        Reference copy = util::RWCharBuffer::makeWhole(std::max(innerLength, minCapacity));
         std::copy_n(lock.getData(), innerLength, copy->util::RWCharBuffer::ensureCapacity(0));
         copy->util::RWCharBuffer::releaseWriteLock(innerLength);
-        separate = counted(copy);
+        separate = copy.detach();
     }
     adopt(separate);
     dropNarrowCache();

@@ -316,7 +316,8 @@ private:
         }
     }
     void releaseNarrowCache() noexcept;
-    bool appendInPlace(char16_t unit);
+    bool appendInPlace(char16_t unit) noexcept;
+    String& appendGrowing(char16_t unit, int count);
     const String& formatTexts(const char16_t* pattern, int length, const char16_t* const* texts,
                               int count);
 
@@ -329,9 +330,12 @@ private:
 /// Makes strings by value, for callers that name the library's classes by their component names.
 class QV_API CQVString {
 public:
+    /// Shares the characters.
     static qv::String create(const qv::String& text);
+    /// Decodes; a null encoding is the default encoding.
     static qv::String create(const signed char* bytes, int length, const char16_t* encoding,
                              int capacity);
+    /// Copies the units.
     static qv::String create(const char16_t* text, int length, int capacity);
 };
 

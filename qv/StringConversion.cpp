@@ -14,13 +14,14 @@ using text::charset::CharToByteConverter;
 
 namespace {
 
-/// `unitSize` times `count`. @throws std::bad_alloc where that is no `int`.
-int checkedProduct(int unitSize, std::int64_t count) {
-    const std::int64_t product = unitSize * count;
-    if (product > std::numeric_limits<int>::max()) {
+/// Room for `count` characters of `unitSize` at most, as a converter says it, and `more`.
+/// @throws std::bad_alloc where that is no `int`.
+int checkedSize(int unitSize, std::int64_t count, int more = 0) {
+    const std::int64_t size = std::max(unitSize, 0) * count + more;
+    if (size > std::numeric_limits<int>::max()) {
         throw std::bad_alloc();
     }
-    return static_cast<int>(product);
+    return static_cast<int>(size);
 }
 
 } // namespace
@@ -53,7 +54,7 @@ void String::getBytes(util::IByteBuffer* out, const char16_t* encoding) const {
         const Reference<CharToByteConverter> encoder(CharToByteConverter::getConverter(encoding));
         bytesPerChar = encoder->getMaxBytesPerChar();
     }
-    const int capacity = checkedProduct(bytesPerChar, std::int64_t{reader.length()} + 1);
+    const int capacity = checkedSize(bytesPerChar, std::int64_t{reader.length()} + 1);
     util::BufferWriteLock<signed char> lock(*out, capacity);
     lock.setLength(getBytes(lock.getData(), capacity, encoding));
 }
@@ -97,13 +98,13 @@ String& String::internalSetTo(const char* bytes, int length, const char16_t* enc
     if (length < 0) {
         length = bytes == nullptr ? 0 : QVStrLenA_32(bytes);
     }
-    dropNarrowCache();
+    // Held to the end: the bytes may be the narrow form itself.
+    const auto dropped = Reference<AnsiBytes>::adopt(std::exchange(narrowCache_, nullptr));
     if (length < 1 && capacity < 1) {
         return setAddRef(String());
     }
     const Reference<ByteToCharConverter> decoder(ByteToCharConverter::getConverter(encoding));
-    const int needed =
-        std::max(capacity, checkedProduct(decoder->getMaxCharsPerByte(), length) + 1);
+    const int needed = std::max(capacity, checkedSize(decoder->getMaxCharsPerByte(), length, 1));
     const Reference<util::RWCharBuffer> decoded(new util::RWCharBuffer(needed));
     util::BufferWriteLock<char16_t> lock(*decoded, needed);
     std::int32_t consumed = 0;

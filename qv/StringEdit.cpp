@@ -20,6 +20,12 @@ void moveUnits(char16_t* target, const char16_t* source, int count) {
     std::memmove(target, source, static_cast<std::size_t>(count) * sizeof(char16_t));
 }
 
+/// `buffer`, if one string alone holds it and may write to it as it stands; otherwise null.
+util::RWCharBuffer* privatelyHeld(IQVCharBuffer* buffer) noexcept {
+    auto* const own = detail::exactly<util::RWCharBuffer>(buffer);
+    return own != nullptr && own->GetRefCount() == 1 ? own : nullptr;
+}
+
 /// Where a replacement takes place, with its ends cut to what there is, and what it leaves.
 struct Place {
     Place(int wantedPosition, int wantedCount, int length, int inserted)
@@ -95,25 +101,37 @@ String& String::operator+=(char16_t unit) { return append(unit, 1); }
 String& String::append(const String& text) { return replace(-1, 0, text, 0); }
 String& String::append(const char16_t* text, int length) { return replace(-1, 0, text, length, 0); }
 String& String::append(char16_t unit, int count) {
-    return count == 1 && appendInPlace(unit) ? *this : replace(-1, 0, unit, count);
+    return count == 1 && appendInPlace(unit) ? *this : appendGrowing(unit, count);
 }
 
-/// The most frequent edit, without the scaffolding of the general one. @return false where the
-/// string does not own its units alone, or has a narrow form.
-bool String::appendInPlace(char16_t unit) {
-    auto* const own = detail::exactly<util::RWCharBuffer>(buffer_);
-    if (own == nullptr || own->GetRefCount() != 1 || narrowCache_ != nullptr) {
+/// The most frequent edit, without the scaffolding of the general one and without a call. @return
+/// false where it needs either.
+bool String::appendInPlace(char16_t unit) noexcept {
+    util::RWCharBuffer* const own = privatelyHeld(buffer_);
+    if (own == nullptr || narrowCache_ != nullptr) {
         return false;
     }
-    const int length = own->util::RWCharBuffer::getLength() - 1;
-    if (length < 0 || length >= greatestLength) {
+    const int innerLength = own->util::RWCharBuffer::getLength();
+    if (innerLength < 1 || innerLength > own->getCapacity() - 2) {
         return false;
     }
-    char16_t* const units = own->util::RWCharBuffer::ensureCapacity(length + 3);
-    units[length] = unit;
-    units[length + 1] = 0;
-    own->util::RWCharBuffer::releaseWriteLock(length + 2);
+    char16_t* const end = own->util::RWCharBuffer::ensureCapacity(0) + innerLength;
+    end[-1] = unit;
+    end[0] = 0;
+    own->util::RWCharBuffer::releaseWriteLock(innerLength + 1);
     return true;
+}
+
+/// What `append` does where there is no room: apart from it, so that it needs no registers saved.
+[[gnu::noinline]] String& String::appendGrowing(char16_t unit, int count) {
+    util::RWCharBuffer* const own = privatelyHeld(buffer_);
+    if (count == 1 && own != nullptr && own->util::RWCharBuffer::getLength() <= greatestLength) {
+        own->util::RWCharBuffer::ensureCapacity(own->util::RWCharBuffer::getLength() + 2);
+        if (appendInPlace(unit)) {
+            return *this;
+        }
+    }
+    return replace(-1, 0, unit, count);
 }
 
 String& String::prepend(const String& text) { return replace(0, 0, text, 0); }

@@ -20,35 +20,33 @@ Text asText(const char16_t* text) { return {text, static_cast<std::size_t>(QVStr
 
 /// The pattern with each placeholder whose index is below the number of texts filled, in a new
 /// buffer counted for the caller.
-IQVCharBuffer* takeFilled(Text pattern, std::span<const Text> texts) {
+IQVCharBuffer* takeFilled(Text pattern, const detail::Placeholders& placeholders,
+                          std::span<const Text> texts) {
     std::size_t length = pattern.size();
-    detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
+    for (const detail::Placeholder& placeholder : placeholders.all()) {
         if (placeholder.index < texts.size()) {
             length += texts[placeholder.index].size();
             length -= placeholder.end - placeholder.start;
         }
-    });
+    }
     if (length >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         throw std::bad_alloc();
     }
 
-    const Reference<util::RWCharBuffer> buffer(
-        util::RWCharBuffer::makeWhole(static_cast<int>(length) + 1));
-    char16_t* target = buffer->ensureCapacity(0);
+    Reference buffer = util::RWCharBuffer::makeWhole(static_cast<int>(length) + 1);
+    char16_t* target = buffer->util::RWCharBuffer::ensureCapacity(0);
     std::size_t copied = 0;
-    detail::forEachPlaceholder(pattern, [&](const detail::Placeholder& placeholder) {
+    for (const detail::Placeholder& placeholder : placeholders.all()) {
         if (placeholder.index < texts.size()) {
-            target =
-                std::copy(pattern.begin() + static_cast<std::ptrdiff_t>(copied),
-                          pattern.begin() + static_cast<std::ptrdiff_t>(placeholder.start), target);
+            target += pattern.copy(target, placeholder.start - copied, copied);
             target = std::ranges::copy(texts[placeholder.index], target).out;
             copied = placeholder.end;
         }
-    });
-    *std::ranges::copy(pattern.substr(copied), target).out = 0;
-    buffer->releaseWriteLock(static_cast<int>(length) + 1);
-    buffer->AddRef();
-    return buffer;
+    }
+    target += pattern.copy(target, Text::npos, copied);
+    *target = 0;
+    buffer->util::RWCharBuffer::releaseWriteLock(static_cast<int>(length) + 1);
+    return buffer.detach();
 }
 
 template <class Value>
@@ -77,14 +75,14 @@ using namespace literals;
 const String& String::formatTexts(const char16_t* pattern, int length, const char16_t* const* texts,
                                   int count) {
     const Text whole(pattern, static_cast<std::size_t>(detail::measured(pattern, length)));
-    const std::size_t used =
-        std::min(detail::consecutivePlaceholders(whole), static_cast<std::size_t>(count));
+    const detail::Placeholders placeholders(whole);
+    const std::size_t used = std::min(placeholders.consecutive(), static_cast<std::size_t>(count));
     constexpr std::size_t few = 8; // arguments that need no memory
     std::array<Text, few> place;
     std::vector<Text> many(used > few ? used : 0);
     Text* const arguments = used > few ? many.data() : place.data();
     std::transform(texts, texts + used, arguments, asText);
-    IQVCharBuffer* const filled = takeFilled(whole, {arguments, used});
+    IQVCharBuffer* const filled = takeFilled(whole, placeholders, {arguments, used});
     dropNarrowCache();
     adopt(filled);
     return *this;
@@ -93,7 +91,7 @@ const String& String::formatTexts(const char16_t* pattern, int length, const cha
 const String& String::formatv(const char16_t* pattern, int length, va_list arguments) {
     length = detail::measured(pattern, length);
     std::vector<const char16_t*> texts(
-        detail::consecutivePlaceholders({pattern, static_cast<std::size_t>(length)}));
+        detail::Placeholders({pattern, static_cast<std::size_t>(length)}).consecutive());
     for (const char16_t*& text : texts) {
         text = va_arg(arguments, const char16_t*);
     }

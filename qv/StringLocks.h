@@ -2,23 +2,16 @@
 
 #include "qv/ErrorRule.h"
 #include "qv/String.h"
+#include "qv/detail/Exactly.h"
 #include "qv/util/ROBuffer.h"
 #include "qv/util/RWBuffer.h"
 #include "qvcore/Text.h"
-
-#include <typeinfo>
 
 /// How the string's own members reach its units. The two buffers that a string makes itself have no
 /// lock and are reached directly; every other inner buffer is reached through its lock protocol.
 namespace qv {
 
 namespace detail {
-
-/// `buffer` as a `Buffer`, if it is exactly that class and none derived from it; otherwise null.
-template <class Buffer, class Interface>
-Buffer* exactly(Interface* buffer) noexcept {
-    return &typeid(*buffer) == &typeid(Buffer) ? static_cast<Buffer*>(buffer) : nullptr;
-}
 
 /// The number of units that `length` stands for, where a negative one means up to the terminator.
 inline int measured(const char16_t* text, int length) noexcept {
@@ -108,7 +101,9 @@ public:
         if (own_ != nullptr) {
             units_ = own_->util::RWCharBuffer::ensureCapacity(capacity + 1);
         } else {
-            throwIfFailed(inner_->EnsureCapacity(capacity + 1, &units_));
+            char16_t* units = nullptr; // a buffer that refuses stores null, and keeps its units
+            throwIfFailed(inner_->EnsureCapacity(capacity + 1, &units));
+            units_ = units;
         }
     }
 

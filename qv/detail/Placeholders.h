@@ -1,9 +1,12 @@
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
+#include <vector>
 
 namespace qv::detail {
 
@@ -37,38 +40,59 @@ inline bool readPlaceholder(std::u16string_view pattern, std::size_t start,
     return true;
 }
 
-/// Calls `visit` for each placeholder of the pattern, from the first.
-template <class Visit>
-void forEachPlaceholder(std::u16string_view pattern, Visit visit) {
-    std::size_t i = pattern.find(u'{');
-    while (i != std::u16string_view::npos) {
-        Placeholder placeholder{};
-        if (readPlaceholder(pattern, i, placeholder)) {
-            visit(placeholder);
-            i = pattern.find(u'{', placeholder.end);
-        } else {
-            i = pattern.find(u'{', i + 1);
+/// The placeholders of a pattern, in the order in which they stand.
+class Placeholders {
+public:
+    explicit Placeholders(std::u16string_view pattern) {
+        std::size_t i = pattern.find(u'{');
+        while (i != std::u16string_view::npos) {
+            Placeholder placeholder{};
+            const bool found = readPlaceholder(pattern, i, placeholder);
+            if (found) {
+                add(placeholder);
+            }
+            i = pattern.find(u'{', found ? placeholder.end : i + 1);
         }
     }
-}
 
-/// How many indices occur, counted from 0 up to the first that does not.
-inline std::size_t consecutivePlaceholders(std::u16string_view pattern) {
-    // A scan notes which of 64 indices occur; patterns with more than that are scanned again.
-    constexpr std::size_t window = 64;
-    std::size_t count = 0;
-    std::size_t found = window;
-    while (found == window) {
-        std::uint64_t occurs = 0;
-        forEachPlaceholder(pattern, [&](const Placeholder& placeholder) {
-            if (placeholder.index - count < window) {
-                occurs |= std::uint64_t{1} << (placeholder.index - count);
-            }
-        });
-        found = static_cast<std::size_t>(std::countr_one(occurs));
-        count += found;
+    std::span<const Placeholder> all() const noexcept {
+        return many_.empty() ? std::span<const Placeholder>(few_.data(), count_) : many_;
     }
-    return count;
-}
+
+    /// How many indices occur, counted from 0 up to the first that does not.
+    std::size_t consecutive() const {
+        // A pass notes which of 64 indices occur; with more than that there is another.
+        constexpr std::size_t window = 64;
+        std::size_t count = 0;
+        std::size_t found = window;
+        while (found == window) {
+            std::uint64_t occurs = 0;
+            for (const Placeholder& placeholder : all()) {
+                if (placeholder.index - count < window) {
+                    occurs |= std::uint64_t{1} << (placeholder.index - count);
+                }
+            }
+            found = static_cast<std::size_t>(std::countr_one(occurs));
+            count += found;
+        }
+        return count;
+    }
+
+private:
+    void add(const Placeholder& placeholder) {
+        if (many_.empty() && count_ < few_.size()) {
+            few_[count_++] = placeholder;
+            return;
+        }
+        if (many_.empty()) {
+            many_.assign(few_.begin(), few_.end());
+        }
+        many_.push_back(placeholder);
+    }
+
+    std::array<Placeholder, 8> few_; // as many need no memory
+    std::size_t count_ = 0;
+    std::vector<Placeholder> many_;
+};
 
 } // namespace qv::detail

@@ -10,14 +10,15 @@ namespace qv::detail {
 /// keys hash in constant time. Texts of up to 63 units are hashed whole; the step grows by one for
 /// every 32 units more.
 inline std::uint32_t sampledHash(const char16_t* text, int length, bool ignoreCase) noexcept {
-    const int step = (length - 32) / 32 + 1;
+    const auto end = static_cast<std::uint32_t>(length); // the step behind the last may be no `int`
+    const auto step = static_cast<std::uint32_t>((length - 32) / 32 + 1);
     std::uint32_t hash = 0;
     if (ignoreCase) {
-        for (int i = 0; i < length; i += step) {
+        for (std::uint32_t i = 0; i < end; i += step) {
             hash = hash * 37 + QVToLowerW(text[i]);
         }
     } else {
-        for (int i = 0; i < length; i += step) {
+        for (std::uint32_t i = 0; i < end; i += step) {
             hash = hash * 37 + text[i];
         }
     }

@@ -26,7 +26,7 @@ inline bool equalUnits(const char16_t* left, const char16_t* right, int count) n
 /// -1, 0 or 1 at the first unit that differs.
 inline int compareUnits(const char16_t* left, const char16_t* right, int count) noexcept {
     int i = 0;
-    for (; i + 8 <= count; i += 8) {
+    for (; i <= count - 8; i += 8) {
         const unsigned different = 0xFFFFu & ~equalMask(loadUnits(left + i), loadUnits(right + i));
         if (different != 0) {
             i += maskIndex(different);
@@ -45,7 +45,7 @@ inline int compareUnits(const char16_t* left, const char16_t* right, int count) 
 inline int findUnit(const char16_t* text, int length, char16_t unit) noexcept {
     const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
     int i = 0;
-    for (; i + 8 <= length; i += 8) {
+    for (; i <= length - 8; i += 8) {
         if (const unsigned equal = equalMask(loadUnits(text + i), wanted)) {
             return i + maskIndex(equal);
         }
@@ -63,7 +63,7 @@ inline int findEither(const char16_t* text, int length, char16_t first, char16_t
     const __m128i wantedFirst = _mm_set1_epi16(static_cast<short>(first));
     const __m128i wantedSecond = _mm_set1_epi16(static_cast<short>(second));
     int i = 0;
-    for (; i + 8 <= length; i += 8) {
+    for (; i <= length - 8; i += 8) {
         const __m128i units = loadUnits(text + i);
         if (const unsigned equal = equalMask(units, wantedFirst) | equalMask(units, wantedSecond)) {
             return i + maskIndex(equal);
@@ -82,7 +82,7 @@ inline int findSurrogate(const char16_t* text, int length) noexcept {
     const __m128i kind = _mm_set1_epi16(static_cast<short>(0xF800));
     const __m128i wanted = _mm_set1_epi16(static_cast<short>(0xD800));
     int i = 0;
-    for (; i + 8 <= length; i += 8) {
+    for (; i <= length - 8; i += 8) {
         if (const unsigned equal = equalMask(_mm_and_si128(loadUnits(text + i), kind), wanted)) {
             return i + maskIndex(equal);
         }
@@ -117,7 +117,7 @@ inline int findUnits(const char16_t* text, int length, const char16_t* needle,
     const __m128i firstUnit = _mm_set1_epi16(static_cast<short>(needle[0]));
     const __m128i lastUnit = _mm_set1_epi16(static_cast<short>(needle[last]));
     int i = 0;
-    for (; i + 8 <= positions; i += 8) {
+    for (; i <= positions - 8; i += 8) {
         unsigned candidates = equalMask(loadUnits(text + i), firstUnit) &
                               equalMask(loadUnits(text + i + last), lastUnit);
         while (candidates != 0) {

@@ -19,6 +19,15 @@ int BufferedReader::read() { return nextUnit(); }
 std::int32_t BufferedReader::readLine(String& line) {
     ensureOpen();
     line.clear();
+    try {
+        return takeLine(line);
+    } catch (...) {
+        takeBack(line.getData(), line.getLength());
+        throw;
+    }
+}
+
+std::int32_t BufferedReader::takeLine(String& line) {
     std::int32_t total = 0;
     for (;;) {
         if (isUsedUp()) {
@@ -45,9 +54,15 @@ std::int32_t BufferedReader::readLine(String& line) {
     }
 }
 
+/// Behind a carriage return.
 void BufferedReader::skipLineFeed() {
     if (isUsedUp()) {
-        fillBuffer();
+        try {
+            fillBuffer();
+        } catch (...) {
+            takeBack(&carriageReturn, 1);
+            throw;
+        }
     }
     if (!isUsedUp() && *unread() == lineFeed) {
         pass(1);

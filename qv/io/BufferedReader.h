@@ -25,9 +25,12 @@ public:
     /// do not come with it, or the end of the input. A CR that is the last buffered unit makes this
     /// read on for the LF that may belong to it, and wait for that where the source does.
     /// @return the line's length, 0 for an empty line, and -1 at the end of the input.
+    /// @throws what the source throws; the whole line comes again with the next call then, and
+    /// `line` holds a part of it.
     virtual std::int32_t readLine(String& line);
 
 private:
+    std::int32_t takeLine(String& line);
     void skipLineFeed();
 };
 

@@ -1,6 +1,7 @@
 #include "qv/io/ByteArrayOutputStream.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <new>
 
@@ -14,6 +15,13 @@ constexpr std::int64_t greatestCount = std::numeric_limits<std::int32_t>::max();
 
 ByteArrayOutputStream::ByteArrayOutputStream(std::int32_t capacity) { reallocBuffer(capacity); }
 
+/// Where in the buffer `bytes` begin, or -1 where they are not in it.
+std::ptrdiff_t ByteArrayOutputStream::placeOf(const signed char* bytes) const noexcept {
+    const std::less<const signed char*> isBefore;
+    const signed char* const begin = buffer_.get();
+    return isBefore(bytes, begin) || !isBefore(bytes, begin + size_) ? -1 : bytes - begin;
+}
+
 void ByteArrayOutputStream::write(const signed char* bytes, std::int32_t length) {
     if (length < 1) {
         return;
@@ -22,7 +30,11 @@ void ByteArrayOutputStream::write(const signed char* bytes, std::int32_t length)
         if (length > greatestCount - size_) {
             throw std::bad_alloc();
         }
+        const std::ptrdiff_t ownPlace = placeOf(bytes);
         ensureCapacity(size_ + length);
+        if (ownPlace >= 0) {
+            bytes = buffer_.get() + ownPlace; // they moved with the buffer
+        }
     }
     std::copy_n(bytes, length, buffer_.get() + size_);
     size_ += length;

@@ -3,6 +3,7 @@
 #include "qv/String.h"
 #include "qv/io/OutputStream.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <memory>
 
@@ -16,6 +17,7 @@ public:
     explicit ByteArrayOutputStream(std::int32_t capacity = 256);
 
     using OutputStream::write;
+    /// The bytes may be those of the stream itself.
     void write(const signed char* bytes, std::int32_t length) override;
     /// The bytes decoded with the default encoding.
     /// @throws text::charset::UnknownEncodingException, and what the decoder throws.
@@ -41,6 +43,8 @@ private:
     struct Free {
         void operator()(signed char* bytes) const noexcept { std::free(bytes); }
     };
+
+    std::ptrdiff_t placeOf(const signed char* bytes) const noexcept;
 
     std::unique_ptr<signed char[], Free> buffer_;
     std::int32_t size_ = 0;

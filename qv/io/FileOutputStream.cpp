@@ -85,7 +85,10 @@ FileOutputStream::FileOutputStream(const String& path, bool append)
 FileOutputStream::FileOutputStream(std::uint64_t handle, bool owns)
     : handle_(handle), ownsHandle_(owns), mode_(0) {}
 
-FileOutputStream::~FileOutputStream() noexcept { FileOutputStream::close(); }
+FileOutputStream::~FileOutputStream() noexcept {
+    FileOutputStream::close();
+    giveBackAll();
+}
 
 std::uint64_t FileOutputStream::openFile(const String& path, unsigned int mode) {
     std::uint32_t access = QV_FILE_WRITE | QV_FILE_CREATE;
@@ -107,7 +110,7 @@ void FileOutputStream::init(const util::FilePath& path) {
     }
     handle_ = openFile(path_, mode_);
     if (keepsClosed()) {
-        close(); // the open served to make or empty the file
+        FileOutputStream::close(); // the open served to make or empty the file
     }
 }
 
@@ -202,9 +205,20 @@ void FileOutputStream::signal() {
     if (semaphore_ == nullptr || !mutex_->tryWait()) {
         return;
     }
-    semaphore_->signal();
+    const std::int32_t result = toResult([this] { semaphore_->signal(); });
     mutex_->signal();
+    throwIfFailed(result); // the lock is still held, and the mutex as `wait` took it
     static_cast<void>(toResult([this] { mutex_->signal(); })); // refused, if `wait` was not called
+}
+
+/// Gives the lock back as often as the calling thread holds it.
+void FileOutputStream::giveBackAll() noexcept {
+    bool held = semaphore_ != nullptr;
+    while (held && mutex_->tryWait()) {
+        static_cast<void>(toResult([this] { semaphore_->signal(); }));
+        mutex_->signal();
+        held = toResult([this] { mutex_->signal(); }) >= 0;
+    }
 }
 
 Reference<FileOutputStream> FileOutputStream::standardOutput() {

@@ -41,6 +41,8 @@ public:
     FileOutputStream(std::uint64_t handle, bool owns);
     FileOutputStream(const FileOutputStream&) = delete;
     FileOutputStream& operator=(const FileOutputStream&) = delete;
+    /// Closes, and gives the lock back where the calling thread holds it. Ending a stream whose
+    /// lock another thread holds ends the process.
     ~FileOutputStream() noexcept override;
 
     using OutputStream::write;
@@ -77,6 +79,7 @@ private:
     static std::uint64_t openFile(const String& path, unsigned int mode);
     void init(const util::FilePath& path);
     void reopen();
+    void giveBackAll() noexcept;
     bool keepsClosed() const noexcept { return (mode_ & KEEPCLOSED) != 0; }
 
     String path_;

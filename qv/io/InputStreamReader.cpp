@@ -4,7 +4,6 @@
 #include "qv/text/charset/UTF32Converters.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace qv::io {
 
@@ -40,27 +39,44 @@ std::int32_t InputStreamReader::read(char16_t* destination, std::int32_t length)
     if (length < 1) {
         return 0;
     }
-    std::int32_t written = takeHeldUnit(destination);
+    if (!heldUnits_.empty()) {
+        return takeHeldUnits(destination, length);
+    }
+    std::int32_t written = 0;
+    try {
+        decode(destination, &written, length);
+    } catch (...) {
+        heldUnits_.assign(destination, static_cast<std::size_t>(written));
+        throw;
+    }
+    return written > 0 ? written : -1;
+}
+
+/// Decodes up to `length` units, and none only at the end.
+void InputStreamReader::decode(char16_t* destination, std::int32_t* written, std::int32_t length) {
     bool stuck = false; // the decoder has left bytes behind
-    while (written < length) {
+    while (*written < length) {
         if (stuck || isUsedUp()) {
-            if (!endOfInput_ && written > 0 && (isFull() || in_->available() == 0)) {
-                return written;
+            if (!endOfInput_ && *written > 0 && (isFull() || in_->available() == 0)) {
+                return;
             }
             if (!fillBuffer()) {
                 if (isUsedUp()) {
-                    converter_->flush(destination, &written, length);
-                    return written > 0 ? written : -1;
+                    converter_->flush(destination, written, length);
+                    return;
                 }
-                destination[written++] = replacement;
+                if (length - *written == 1 && convertIntoSingleUnit(destination + *written)) {
+                    ++*written; // left behind for want of room, not of bytes
+                    return;
+                }
+                destination[(*written)++] = replacement;
                 ++bufferPos_;
                 stuck = false;
                 continue;
             }
         }
-        stuck = convertBuffer(destination, &written, length);
+        stuck = convertBuffer(destination, written, length);
     }
-    return written;
 }
 
 /// Brings the bytes left behind to the front and reads on behind them.
@@ -86,38 +102,39 @@ bool InputStreamReader::fillBuffer() {
 /// @return true if the decoder has left bytes behind.
 bool InputStreamReader::convertBuffer(char16_t* destination, std::int32_t* written,
                                       std::int32_t length) {
-    const std::int32_t bytes = bufferEnd_ - bufferPos_;
-    const std::int32_t end = bufferPos_ + bytes / wordSize_ * wordSize_;
-    converter_->convert(buffer_.get(), &bufferPos_, end, destination, written, length);
-    if (length == 1 && *written == 0 && !isUsedUp()) {
-        *written = convertIntoSingleUnit(destination, end);
+    converter_->convert(buffer_.get(), &bufferPos_, wordsEnd(), destination, written, length);
+    if (length == 1 && *written == 0 && !isUsedUp() && convertIntoSingleUnit(destination)) {
+        *written = 1;
     }
     return !isUsedUp();
 }
 
-/// Decodes a character of two units where there is room for one, and holds the second for the next
-/// read.
-/// @return units written.
-std::int32_t InputStreamReader::convertIntoSingleUnit(char16_t* destination, std::int32_t end) {
-    char16_t units[2];
-    std::int32_t count = 0;
-    converter_->convert(buffer_.get(), &bufferPos_, end, units, &count, 2);
-    if (count == 2) {
-        heldUnit_ = units[1];
-    }
-    if (count == 0) {
-        return 0;
-    }
-    *destination = units[0];
-    return 1;
+/// Where the whole words in the buffer end.
+std::int32_t InputStreamReader::wordsEnd() const noexcept {
+    return bufferPos_ + (bufferEnd_ - bufferPos_) / wordSize_ * wordSize_;
 }
 
-std::int32_t InputStreamReader::takeHeldUnit(char16_t* destination) noexcept {
-    if (!heldUnit_) {
-        return 0;
+/// Decodes a character of two units where there is room for one, and holds the second for the next
+/// read.
+/// @return false if the bytes are no character.
+bool InputStreamReader::convertIntoSingleUnit(char16_t* destination) {
+    char16_t units[2];
+    std::int32_t count = 0;
+    converter_->convert(buffer_.get(), &bufferPos_, wordsEnd(), units, &count, 2);
+    if (count == 2) {
+        heldUnits_.assign(1, units[1]);
     }
-    *destination = *std::exchange(heldUnit_, std::nullopt);
-    return 1;
+    if (count == 0) {
+        return false;
+    }
+    *destination = units[0];
+    return true;
+}
+
+std::int32_t InputStreamReader::takeHeldUnits(char16_t* destination, std::int32_t length) {
+    const std::size_t count = heldUnits_.copy(destination, static_cast<std::size_t>(length));
+    heldUnits_.erase(0, count);
+    return static_cast<std::int32_t>(count);
 }
 
 std::int32_t InputStreamReader::available() {

@@ -5,7 +5,7 @@
 #include "qv/io/detail/Wrapped.h"
 
 #include <memory>
-#include <optional>
+#include <string>
 
 namespace qv::text::charset {
 class ByteToCharConverter;
@@ -17,7 +17,8 @@ namespace qv::io {
 ///
 /// Bytes that the decoder leaves behind stay at the head of the buffer, where the next ones
 /// complete them. When the stream has ended and they cannot become a character any more, each of
-/// them gives one U+FFFD. A decoder that throws on bad input does so through `read`.
+/// them gives one U+FFFD. What the stream throws, and a decoder on bad input, comes through `read`;
+/// the units that the failed read had decoded by then are given by the next one.
 class QV_API InputStreamReader : public Reader {
 public:
     /// Owns: one reference to `in`; a null one is accepted, and what needs it then throws
@@ -47,10 +48,12 @@ private:
     void ensureOpen() const;
     bool isUsedUp() const noexcept { return bufferPos_ >= bufferEnd_; }
     bool isFull() const noexcept { return bufferEnd_ - bufferPos_ >= bufferSize_; }
+    void decode(char16_t* destination, std::int32_t* written, std::int32_t length);
     bool fillBuffer();
     bool convertBuffer(char16_t* destination, std::int32_t* written, std::int32_t length);
-    std::int32_t convertIntoSingleUnit(char16_t* destination, std::int32_t end);
-    std::int32_t takeHeldUnit(char16_t* destination) noexcept;
+    std::int32_t wordsEnd() const noexcept;
+    bool convertIntoSingleUnit(char16_t* destination);
+    std::int32_t takeHeldUnits(char16_t* destination, std::int32_t length);
 
     detail::Wrapped<InputStream> in_;
     Reference<text::charset::ByteToCharConverter> converter_; ///< null behind a close
@@ -59,8 +62,8 @@ private:
     std::int32_t bufferPos_ = 0;
     std::int32_t bufferEnd_ = 0;
     bool endOfInput_ = false;
-    std::int32_t wordSize_;            ///< bytes that the decoder is given together
-    std::optional<char16_t> heldUnit_; ///< decoded, and the last read had no room for it
+    std::int32_t wordSize_;    ///< bytes that the decoder is given together
+    std::u16string heldUnits_; ///< decoded; the last read had no room for them, or failed
 };
 
 } // namespace qv::io

@@ -29,7 +29,8 @@ void OutputStreamWriter::ensureOpen() const {
 void OutputStreamWriter::write(const char16_t* text, std::int32_t length) {
     ensureOpen();
     if (length > 0) {
-        encode(text, completeHeldPair(*text), length);
+        std::int32_t consumed = completeHeldPair(*text);
+        encode(text, &consumed, length);
     }
 }
 
@@ -40,26 +41,34 @@ std::int32_t OutputStreamWriter::completeHeldPair(char16_t next) {
         return 0;
     }
     const char16_t pair[] = {*heldSurrogate_, next};
-    encode(pair, 0, 2);
+    std::int32_t consumed = 0;
+    try {
+        encode(pair, &consumed, 2);
+    } catch (...) {
+        if (consumed == 2) {
+            heldSurrogate_.reset(); // the buffer has the pair, only the sink did not take it
+        }
+        throw;
+    }
     heldSurrogate_.reset();
     return 1;
 }
 
-void OutputStreamWriter::encode(const char16_t* text, std::int32_t consumed, std::int32_t length) {
-    while (consumed < length) {
-        const std::int32_t end = runEnd(text, consumed, length);
-        const std::int32_t start = consumed;
+void OutputStreamWriter::encode(const char16_t* text, std::int32_t* consumed, std::int32_t length) {
+    while (*consumed < length) {
+        const std::int32_t end = runEnd(text, *consumed, length);
+        const std::int32_t start = *consumed;
         const bool hadRoom = count_ == 0;
         const std::int32_t written =
-            converter_->convert(text, &consumed, end, buffer_.get(), &count_, bufferSize_);
+            converter_->convert(text, consumed, end, buffer_.get(), &count_, bufferSize_);
         if (count_ >= bufferSize_ || written == 0) {
             drain();
         }
-        if (hadRoom && written == 0 && consumed == start) {
-            if (consumed != length - 1 || !text::charset::detail::isLeading(text[consumed])) {
+        if (hadRoom && written == 0 && *consumed == start) {
+            if (*consumed != length - 1 || !text::charset::detail::isLeading(text[*consumed])) {
                 throw IoException(u"stream write error");
             }
-            heldSurrogate_ = text[consumed];
+            heldSurrogate_ = text[*consumed];
             return;
         }
     }
@@ -82,7 +91,7 @@ std::int32_t OutputStreamWriter::runEnd(const char16_t* text, std::int32_t start
     }
     const std::int32_t pairs = (bufferSize_ - count_) / longestForm_;
     const std::int32_t limit = length - start > 2 * pairs ? start + 2 * pairs : length;
-    std::int32_t end = start;
+    std::int32_t end = start + 1;
     while (end < limit && text::charset::detail::isSurrogate(text[end])) {
         ++end;
     }

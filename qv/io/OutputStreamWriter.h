@@ -50,7 +50,7 @@ public:
 private:
     void ensureOpen() const;
     std::int32_t completeHeldPair(char16_t next);
-    void encode(const char16_t* text, std::int32_t consumed, std::int32_t length);
+    void encode(const char16_t* text, std::int32_t* consumed, std::int32_t length);
     std::int32_t runEnd(const char16_t* text, std::int32_t start, std::int32_t length);
     void drain();
 

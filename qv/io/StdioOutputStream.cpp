@@ -34,10 +34,10 @@ void StdioFileOutputStream::write(const signed char* bytes, std::int32_t length)
 void StdioFileOutputStream::flush() { detail::flush(file_); }
 
 void StdioFileOutputStream::close() {
-    if (owned_) {
+    if (owned_ && file_ != nullptr) {
         std::fclose(std::exchange(file_, nullptr));
-        owned_ = false;
     }
+    owned_ = false;
 }
 
 } // namespace qv::io

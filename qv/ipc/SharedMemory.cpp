@@ -16,8 +16,10 @@ constexpr std::uint32_t readAndWrite = 0xC0000000;
 
 SharedMemory::SharedMemory(const char* name, std::uint32_t size, std::uint32_t flags,
                            std::uint32_t mode) {
-    throwIfFailed(QVSharedMemOpen(name, flags, mode, size, &handle_),
-                  u"Failed to open shared memory.");
+    const std::int32_t opened = QVSharedMemOpen(name, flags, mode, size, &handle_);
+    if (opened < 0) {
+        throwResult(opened, u"Failed to open shared memory.");
+    }
     const std::int32_t attached = QVSharedMemAttach(handle_, readAndWrite, &address_);
     if (attached < 0) {
         static_cast<void>(QVSharedMemClose(std::exchange(handle_, noHandle)));

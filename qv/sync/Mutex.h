@@ -8,7 +8,7 @@ namespace qv::sync {
 
 /// Mutual exclusion. Recursive: its holder may take it again, and gives it back as often.
 ///
-/// Destroying a held mutex is a fault that ends the process.
+/// Destroying a held mutex is a fault that the platform refuses.
 class QV_API Mutex : public LockObject {
 public:
     /// `name` labels the mutex for diagnostics only and may be null.

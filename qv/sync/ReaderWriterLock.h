@@ -10,8 +10,9 @@ namespace qv::sync {
 /// shared ones are the reader's.
 ///
 /// Not recursive: a thread that holds one side does not ask for the other, nor for the same again.
-/// Each side is given back by the thread that took it. Destroying a held lock is a fault that the
-/// platform refuses.
+/// Where it would wait for itself it is refused with the result 0x8007046B. A waiting writer goes
+/// before new readers. Each side is given back by the thread that took it. Destroying a held lock
+/// is a fault that the platform refuses.
 class QV_API ReaderWriterLock : public LockObject {
 public:
     /// `name` labels the lock for diagnostics only and may be null.
@@ -22,6 +23,7 @@ public:
 
     void wait() override;
     [[nodiscard]] bool tryWait() override;
+    /// @throws ResultException, QV_E_NOTOWNER from a thread that does not hold the writer's side.
     void signal() override;
 
     // Slot order is contract from here on.
@@ -30,7 +32,7 @@ public:
     virtual void waitShared();
     /// Acquires the reader's side only if that needs no waiting. Never throws.
     [[nodiscard]] virtual bool tryWaitShared();
-    /// @throws ResultException with the platform's result.
+    /// @throws ResultException, QV_E_NOTOWNER from a thread that does not hold the reader's side.
     virtual void signalShared();
 
 private:

@@ -27,15 +27,20 @@ template <class Unit>
 class QV_API_TEMPLATE AbstractBuffer : public Object, public detail::BufferInterface<Unit>::Type {
 public:
     std::int32_t QueryInterface(const GUID& iid, void** out) noexcept override;
-    std::uint32_t AddRef() const noexcept override { return ComObject::AddRef(); }
-    std::uint32_t Release() const noexcept override { return ComObject::Release(); }
+    std::uint32_t AddRef() const noexcept override { return Object::AddRef(); }
+    std::uint32_t Release() const noexcept override { return Object::Release(); }
 
     // Slot order is contract from here on.
 
+    /// Units in use.
     virtual int getLength() const = 0;
+    /// The units, without a lock; may be null where there are none.
     virtual const Unit* getData() const = 0;
+    /// Takes a read lock. @return the units, valid until the lock is released.
     virtual const Unit* getReadLock() const = 0;
+    /// Ends a read lock.
     virtual void releaseReadLock() const = 0;
+    /// False where the write side throws.
     virtual bool isWritable() const = 0;
     /// @return a place for `capacity` units, valid until the lock is released.
     /// @throws ReadOnlyException, std::bad_alloc.
@@ -51,7 +56,10 @@ public:
 
     // Slot order ends here.
 
+    /// True for a length of 0.
     bool isEmpty() const { return getLength() == 0; }
+
+    // The component face: each calls its native twin, and what that throws is its result.
 
     int GetLength() const override;
     const Unit* GetData() const override;

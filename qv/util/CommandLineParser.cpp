@@ -1,6 +1,7 @@
 #include "qv/util/CommandLineParser.h"
 
 #include "qv/Exceptions.h"
+#include "qv/util/BufferLocks.h"
 #include "qvcore/NumberText.h"
 #include "qvcore/Text.h"
 
@@ -20,9 +21,6 @@ bool isOneOf(char16_t unit, const char16_t* set) {
 }
 
 bool isSwitch(char16_t unit) { return isOneOf(unit, CommandLineParser::m_switchChars); }
-
-/// The end of a quoted run that opens at `quote`, or null if it does not close.
-char16_t* quotedEnd(char16_t* quote) { return const_cast<char16_t*>(QVStrChrW(quote + 1, u'"')); }
 
 /// Takes a token in place; quotes count at its very head. Null if nothing is left.
 char16_t* nextToken(char16_t*& cursor, const char16_t* delimiters) {
@@ -45,23 +43,40 @@ char16_t* nextToken(char16_t*& cursor, const char16_t* delimiters) {
     return token;
 }
 
+/// Passes one piece of a list behind `=` as `nextToken` takes it: what quotes protect, or else all
+/// units up to a comma, which goes along, or a blank. @return false where no piece can follow.
+bool passPiece(const char16_t*& unit) {
+    const char16_t* const end = *unit == u'"' ? QVStrChrW(unit + 1, u'"') : nullptr;
+    if (end != nullptr) {
+        const bool empty = end == unit + 1;
+        unit = end + 1;
+        while (!empty && *unit == u',') {
+            ++unit;
+        }
+        return true;
+    }
+    while (*unit == u',') {
+        ++unit;
+    }
+    while (*unit != 0 && *unit != u',' && *unit != u' ') {
+        ++unit;
+    }
+    return *unit == u',' && *++unit != 0;
+}
+
 /// The blank or terminator that ends an option's token: quotes at the head of a value behind `=`
 /// protect blanks up to their end.
 char16_t* optionEnd(char16_t* option) {
-    bool inList = false;
-    bool atHead = false;
-    for (char16_t* unit = option; *unit != 0; ++unit) {
-        if (atHead && *unit == u'"') {
-            if (char16_t* const end = quotedEnd(unit)) {
-                unit = end;
-            }
-        } else if (*unit == u' ') {
-            return unit;
-        }
-        inList = inList || *unit == u'=';
-        atHead = inList && (*unit == u'=' || *unit == u',');
+    const char16_t* unit = option;
+    while (*unit != 0 && *unit != u'=' && *unit != u' ') {
+        ++unit;
     }
-    return option + QVStrLenW_32(option);
+    if (*unit == u'=') {
+        ++unit;
+        while (passPiece(unit)) {
+        }
+    }
+    return option + (unit - option);
 }
 
 /// Takes the next token of the line in place.
@@ -160,7 +175,14 @@ void CommandLineParser::parse(const char16_t* text) {
     parseUnits(copy.data());
 }
 
-void CommandLineParser::parse(const String& text) { parse(text.getData()); }
+void CommandLineParser::parse(const String& text) {
+    std::u16string copy;
+    {
+        const BufferReadLock<char16_t> lock(text);
+        copy.assign(lock.getData(), static_cast<std::size_t>(text.getLength()));
+    }
+    parseUnits(copy.data());
+}
 
 void CommandLineParser::parse(int argc, char** const argv) {
     String text;

@@ -31,11 +31,13 @@ public:
         Element(const Element&) = delete;
         Element& operator=(const Element&) = delete;
 
+        /// Without switch characters.
         const String& getName() const noexcept { return name_; }
         /// The element's index in the line; -1 for a definition that answers for an absent option.
         int getPosition() const noexcept { return position_; }
         int getValueCount() const noexcept { return static_cast<int>(values_.size()); }
-        /// @throws Exception "Invalid vector index", as the two below.
+        /// Borrows: the value, as long as the element. @throws Exception "Invalid vector index", as
+        /// the two below.
         const String& getValueString(int index) const;
         /// Reads the number at the head of a value, with the radix that its prefix says.
         /// @throws Exception "Unable to convert string to long" where there is none.
@@ -59,8 +61,10 @@ public:
         int position_;
     };
 
+    /// The units that open an option.
     static const char16_t m_switchChars[];
 
+    /// Nothing parsed, nothing defined, case counts.
     CommandLineParser();
     CommandLineParser(const CommandLineParser&) = delete;
     CommandLineParser& operator=(const CommandLineParser&) = delete;
@@ -80,23 +84,27 @@ public:
     /// quoted.
     void parse(int argc, char** const argv);
 
+    /// How many options and parameters the line has.
     int getElementCount() const noexcept { return static_cast<int>(elements_.size()); }
     /// @throws Exception "Invalid vector index".
     Reference<Element> getElement(int index) const;
+    /// How many parameters the line has.
     int getParameterCount() const noexcept { return static_cast<int>(parameters_.size()); }
-    /// @throws Exception "Invalid vector index".
+    /// A parameter; `index` counts parameters alone. @throws Exception "Invalid vector index".
     Reference<Element> getParameter(int index) const;
 
     /// True for an option of the line; definitions do not count.
     bool isPresent(const char16_t* name) const;
     /// The last option of that name, else its definition if it has defaults, else null.
     Reference<Element> getOption(const char16_t* name) const;
-    /// Requires: `getOption(name)` is not null, here and below. They throw as the element's own.
+    /// Borrows: the value, until the next parse. Requires: `getOption(name)` is not null, here and
+    /// below. They throw as the element's own.
     const String& getValueString(const char16_t* name, int index = 0) const;
     std::int32_t getValueLong(const char16_t* name, int index = 0) const;
     double getValueDouble(const char16_t* name, int index = 0) const;
 
 protected:
+    /// The definition of a name, else null.
     Reference<OptionDefinition> getDefinition(const String& name) const;
     /// Drops all results of parsing.
     void reset();
@@ -142,7 +150,9 @@ private:
 /// none.
 class QV_API OptionDefinition : public CommandLineParser::Element {
 public:
+    /// How many tokens behind the option are its values.
     int getExpectedValueCount() const noexcept { return valueCount_; }
+    /// True where the definition answers for an absent option.
     bool hasDefaults() const noexcept { return hasDefaults_; }
 
 private:

@@ -15,6 +15,7 @@ namespace qv::util {
 /// Thread safety: const-safe.
 class QV_API FilePath : public CopyObject {
 public:
+    /// Between the parts of a path.
     static const char16_t dirDelim = u'\\';
     /// Between the paths of a list.
     static const char16_t pathDelim = u';';
@@ -26,10 +27,13 @@ public:
 
     /// The text as it was cleaned.
     const String& getPath() const noexcept { return path_; }
+    /// How many units at its start are the root. Kept: a `..` that reaches the root's separator
+    /// takes it away and leaves this length, which then may go beyond the root, or the text.
     int getRootLength() const noexcept { return rootLength_; }
 
     /// True for any root: `C:a` counts as absolute.
     bool isAbsolutePath() const;
+    /// True for a network root.
     bool isUNCPath() const;
     /// The text, behind the current directory where it is relative.
     String getAbsolutePath() const;
@@ -38,6 +42,7 @@ public:
     String getCanonicalPath() const;
     /// The root without the separator at its end.
     String getDrive() const;
+    /// What stands before the last separator, at least the root.
     String getDirectory() const;
     /// What follows the last separator.
     String getName() const;
@@ -45,6 +50,8 @@ public:
     String getBaseName() const;
     /// The name from its last dot on, dot included.
     String getExtension() const;
+    /// What stands before the last separator, or the root of what stands in it; empty for a root
+    /// and for a single name.
     String getParentPath() const;
     /// Kept: always the empty text; nothing is joined.
     String getChildPath(const char16_t* name) const;

@@ -12,17 +12,25 @@ namespace qv::util {
 template <class Unit>
 class IBuffer : public IQVUnknown {
 public:
+    /// Units in use.
     virtual int GetLength() const = 0;
+    /// The units, without a lock; may be null where there are none.
     virtual const Unit* GetData() const = 0;
+    /// Takes a read lock and stores the units in `*data`. @return 0, or a failure with null stored.
     virtual std::int32_t GetReadLock(const Unit** data) const = 0;
+    /// Ends a read lock.
     virtual std::int32_t ReleaseReadLock() const = 0;
     /// 1 or 0.
     virtual short IsWritable() const = 0;
+    /// Takes a write lock with room for `capacity` units and stores the units in `*data`.
+    /// @return 0, or a failure with null stored: QV_E_NOTIMPL where nothing can be written,
+    /// QV_E_OUTOFMEMORY.
     virtual std::int32_t GetWriteLock(int capacity, Unit** data) = 0;
-    /// Makes room under a write lock; the pointer may move. Never shrinks.
+    /// Makes room under a write lock; the pointer may move. Never shrinks. @return as GetWriteLock.
     virtual std::int32_t EnsureCapacity(int capacity, Unit** data) = 0;
     /// Ends a write lock; a negative length keeps the old one.
     virtual std::int32_t ReleaseWriteLock(int length) = 0;
+    /// Gives unused room back.
     virtual std::int32_t FreeExtra() = 0;
 
 protected:

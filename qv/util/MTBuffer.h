@@ -35,7 +35,10 @@ public:
     void releaseReadLock() const override;
     /// Waits for the exclusive side of the lock.
     Unit* getWriteLock(int capacity) override;
+    /// Stores the length, then gives the lock back.
     void releaseWriteLock(int length) override;
+    /// Waits for the exclusive side of the lock, so that the caller holds neither.
+    /// @throws ResultException, 0x8007046B from a thread that holds one.
     void freeExtra() override;
 
 private:

@@ -26,7 +26,9 @@ public:
     explicit PathNormalizer(SLASH_TYPE type = SLASH_NATIVE);
     ~PathNormalizer() noexcept override = default;
 
+    /// Counts from the next `normalize` on.
     void setSlashType(SLASH_TYPE type);
+    /// The cleaned text. @throws std::bad_alloc.
     String normalize(const String& text);
 
 private:

@@ -11,6 +11,7 @@ namespace qv::util {
 template <class Unit>
 class QV_API_TEMPLATE ROBuffer : public AbstractBuffer<Unit> {
 public:
+    /// No units.
     ROBuffer() noexcept = default;
     /// `capacity` is accepted for the sake of one form with RWBuffer, and dropped.
     ROBuffer(const Unit* data, int length, int capacity = 0) noexcept;

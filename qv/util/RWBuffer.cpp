@@ -77,14 +77,15 @@ RWBuffer<Unit>::~RWBuffer() noexcept {
 }
 
 template <class Unit>
-RWBuffer<Unit>* RWBuffer<Unit>::makeWhole(int capacity) {
+Reference<RWBuffer<Unit>> RWBuffer<Unit>::makeWhole(int capacity) {
     const int rounded = roundedCapacity(capacity);
     void* const memory = ::operator new(sizeof(RWBuffer) + byteCount<Unit>(rounded));
-    auto* const buffer = ::new (memory) RWBuffer;
+    RWBuffer* const buffer = ::new (memory) RWBuffer;
     buffer->data_ = reinterpret_cast<Unit*>(buffer + 1);
     buffer->capacity_ = rounded;
     buffer->storageIsBehind_ = true;
-    return buffer;
+    buffer->holdFirst();
+    return Reference<RWBuffer>::adopt(buffer);
 }
 
 template <class Unit>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "qv/Reference.h"
 #include "qv/util/AbstractBuffer.h"
 
 namespace qv::util {
@@ -14,12 +15,16 @@ namespace qv::util {
 template <class Unit>
 class QV_API_TEMPLATE RWBuffer : public AbstractBuffer<Unit> {
 public:
+    /// No units, and no memory yet.
     RWBuffer() noexcept = default;
-    /// @throws std::bad_alloc, as everything here that needs room.
+    /// No units, and room for `capacity`. @throws std::bad_alloc, as everything here that needs
+    /// room.
     explicit RWBuffer(int capacity);
     /// Copies `length` units into a buffer of the greater of `length` and `capacity`.
     RWBuffer(const Unit* data, int length, int capacity = 0);
+    /// Copies the units, into memory of its own with as much room.
     RWBuffer(const RWBuffer& other);
+    /// Copies the units through `ensureCapacity` and `releaseWriteLock` of this object.
     RWBuffer& operator=(const RWBuffer& other);
     ~RWBuffer() noexcept override;
 
@@ -44,10 +49,12 @@ public:
     /// Cuts the capacity to the length rounded up to 16; with length 0 the memory goes.
     void freeExtra() override;
 
+    /// The room there is, in units.
+    int getCapacity() const noexcept { return capacity_; }
+
     /// A buffer whose first storage lies behind it in the same allocation: for an owner that knows
-    /// how much it needs. Where it outgrows that, it moves to storage of its own. Owns: the caller,
-    /// the new buffer with its count at 0.
-    static RWBuffer* makeWhole(int capacity);
+    /// how much it needs. Where it outgrows that, it moves to storage of its own.
+    static Reference<RWBuffer> makeWhole(int capacity);
 
     /// The allocation may be longer than the object.
     static void operator delete(void* memory) noexcept { ::operator delete(memory); }
@@ -56,8 +63,6 @@ public:
 protected:
     /// The work behind `freeExtra`, for classes that put a lock around it.
     void reallocBuffer(int capacity);
-    /// The room there is, in units.
-    int getCapacity() const noexcept { return capacity_; }
 
 private:
     void allocBuffer(int capacity);

@@ -69,7 +69,7 @@ int toDescriptor(std::uintptr_t file) noexcept {
 }
 
 std::uintptr_t fromDescriptor(int descriptor) noexcept {
-    return static_cast<std::uintptr_t>(descriptor + 1);
+    return static_cast<std::uintptr_t>(descriptor) + 1;
 }
 
 std::int32_t mapFile(int descriptor, std::size_t size, bool isWritable, void** address) noexcept {

@@ -26,29 +26,28 @@ std::uint64_t fromNative(HANDLE handle) noexcept {
     return reinterpret_cast<std::uintptr_t>(handle);
 }
 
-DWORD toDisposition(std::uint32_t access) noexcept {
-    const bool creates = (access & QV_FILE_CREATE) != 0;
-    if ((access & QV_FILE_TRUNCATE) != 0) {
-        return creates ? CREATE_ALWAYS : TRUNCATE_EXISTING;
-    }
-    return creates ? OPEN_ALWAYS : OPEN_EXISTING;
+/// Where a file begins to be read or written. It is emptied here: the system's own way of emptying
+/// an existing file makes another of its name, and refuses that for a hidden one.
+bool setStart(HANDLE file, std::uint32_t access) noexcept {
+    const LARGE_INTEGER nowhere = {};
+    return GetFileType(file) != FILE_TYPE_DISK ||
+           (((access & QV_FILE_TRUNCATE) == 0 || SetEndOfFile(file)) &&
+            ((access & QV_FILE_ATEND) == 0 || SetFilePointerEx(file, nowhere, nullptr, FILE_END)));
 }
 
 std::int32_t openFile(const std::wstring& path, std::uint32_t access,
                       std::uint64_t* handle) noexcept {
     constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const DWORD disposition = (access & QV_FILE_CREATE) != 0 ? OPEN_ALWAYS : OPEN_EXISTING;
     const HANDLE file = CreateFileW(path.c_str(), access & (QV_FILE_READ | QV_FILE_WRITE), shareAll,
-                                    nullptr, toDisposition(access), FILE_ATTRIBUTE_NORMAL, nullptr);
+                                    nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         return lastNativeResult();
     }
-    if ((access & QV_FILE_ATEND) != 0 && GetFileType(file) == FILE_TYPE_DISK) {
-        const LARGE_INTEGER nowhere = {};
-        if (!SetFilePointerEx(file, nowhere, nullptr, FILE_END)) {
-            const std::int32_t result = lastNativeResult();
-            CloseHandle(file);
-            return result;
-        }
+    if (!setStart(file, access)) {
+        const std::int32_t result = lastNativeResult();
+        CloseHandle(file);
+        return result;
     }
     *handle = fromNative(file);
     return QV_S_OK;
@@ -56,6 +55,14 @@ std::int32_t openFile(const std::wstring& path, std::uint32_t access,
 
 /// What a read says at the end of a file or of a pipe.
 bool isEnd(DWORD error) noexcept { return error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF; }
+
+bool isPipe(HANDLE file) noexcept { return GetFileType(file) == FILE_TYPE_PIPE; }
+
+/// A write of nothing arrives in a pipe as a message of no bytes, which is not the end while there
+/// is a writer.
+bool hasWriter(HANDLE file) noexcept {
+    return isPipe(file) && PeekNamedPipe(file, nullptr, 0, nullptr, nullptr, nullptr);
+}
 
 } // namespace
 
@@ -126,11 +133,18 @@ std::int32_t QVFileRead(std::uint64_t handle, void* buffer, std::uint32_t length
     if (count == nullptr || (buffer == nullptr && length != 0)) {
         return QV_E_POINTER;
     }
+    const HANDLE file = toNative(handle);
     DWORD taken = 0;
-    if (!ReadFile(toNative(handle), buffer, length, &taken, nullptr) && !isEnd(GetLastError())) {
+    while (ReadFile(file, buffer, length, &taken, nullptr)) {
+        if (taken != 0 || length == 0 || !hasWriter(file)) {
+            *count = taken;
+            return QV_S_OK;
+        }
+    }
+    if (!isEnd(GetLastError())) {
         return lastNativeResult();
     }
-    *count = taken;
+    *count = 0;
     return QV_S_OK;
 }
 
@@ -138,10 +152,14 @@ std::int32_t QVFileWrite(std::uint64_t handle, const void* bytes, std::uint32_t 
     if (bytes == nullptr && length != 0) {
         return QV_E_POINTER;
     }
+    const HANDLE file = toNative(handle);
+    if (length == 0 && isPipe(file)) {
+        return QV_S_OK;
+    }
     const auto* rest = static_cast<const char*>(bytes);
     do {
         DWORD written = 0;
-        if (!WriteFile(toNative(handle), rest, length, &written, nullptr)) {
+        if (!WriteFile(file, rest, length, &written, nullptr)) {
             return lastNativeResult();
         }
         rest += written;

@@ -3,6 +3,7 @@
 #include "qv/ClassManager.h"
 #include "qv/Exceptions.h"
 #include "qv/String.h"
+#include "qv/sync/LockObject.h"
 #include "tests/support/CountedObject.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
@@ -94,6 +95,23 @@ TEST(ClassTest, EveryFactoryMakesAnInstanceOfItsClass) {
         },
         &factories);
     EXPECT_GT(factories, 20);
+}
+
+TEST(ClassTest, LocksMadeByNameAreAsNewOnes) {
+    const auto canPass = [](const char16_t* name) {
+        const Reference<Object> made(Class::forName(name)->createInstance());
+        auto& lock = dynamic_cast<sync::Object&>(*made);
+        const bool passed = lock.tryWait();
+        if (auto* const mutex = dynamic_cast<sync::LockObject*>(made.get()); passed && mutex) {
+            mutex->signal();
+        }
+        return passed;
+    };
+    EXPECT_FALSE(canPass(u"CQVSemaphore")) << "it has no posts";
+    EXPECT_FALSE(canPass(u"CQVEvent"));
+    EXPECT_FALSE(canPass(u"CQVGate"));
+    EXPECT_TRUE(canPass(u"CQVMutex"));
+    EXPECT_TRUE(canPass(u"CQVRWLock"));
 }
 
 TEST(ClassManagerTest, FirstRegistrationOfANameStands) {

@@ -6,6 +6,7 @@
 #include "qv/qvcom/Module.h"
 #include "tests/support/CountedObject.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -47,6 +48,31 @@ TEST(ComObjectTest, ModuleCountsLiveObjectsAndNotReferences) {
     object->Release();
     EXPECT_EQ(module.GetRefCount(), 0u);
     EXPECT_EQ(alive, 0);
+}
+
+TEST(ComObjectTest, LastReleaseFreesTheModuleBeforeTheDestructorRuns) {
+    struct Ending : qv::Object {
+        explicit Ending(const qv::qvcom::Module& module, std::uint32_t& seen)
+            : module_(module), seen_(seen) {}
+        ~Ending() override { seen_ = module_.GetRefCount(); }
+        const qv::qvcom::Module& module_;
+        std::uint32_t& seen_;
+    };
+    qv::qvcom::Module module;
+    std::uint32_t seen = 9;
+    auto* object = new Ending(module, seen);
+    object->SetComModule(&module);
+    object->AddRef();
+    EXPECT_EQ(object->Release(), 0u);
+    EXPECT_EQ(seen, 0u);
+    seen = 9;
+    object = new Ending(module, seen);
+    object->SetComModule(&module);
+    object->AddRef();
+    EXPECT_EQ(module.GetRefCount(), 1u);
+    object->ReleaseLast();
+    EXPECT_EQ(seen, 0u);
+    EXPECT_EQ(module.GetRefCount(), 0u);
 }
 
 TEST(ComObjectTest, InternalCountingTouchesNeitherLifeNorModule) {
@@ -116,6 +142,30 @@ TEST(ComObjectThreadsTest, CountsFromManyThreads) {
     EXPECT_EQ(alive, 0);
 }
 
+TEST(ComObjectThreadsTest, InternalCountsOfTwoThreadsLoseNone) {
+    // Between its construction and its first reference nothing keeps an object's count above 0.
+    constexpr int enough = 200000;
+    constexpr int most = 20000000; // where two threads hardly ever run at once
+    int alive = 0;
+    CountedObject object(alive);
+    std::atomic<int> meetings{0};
+    std::atomic<int> wrong{0};
+    const auto run = [&] {
+        for (int n = 0; n < most && meetings.load(std::memory_order_relaxed) < enough; ++n) {
+            const std::uint32_t taken = object.InternalAddRef();
+            const std::uint32_t left = object.InternalRelease();
+            meetings += taken == 2;
+            wrong += taken < 1 || taken > 2 || left > 1;
+        }
+    };
+    std::thread other(run);
+    run();
+    other.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(object.GetRefCount(), 0u);
+    EXPECT_EQ(alive, 1);
+}
+
 // --- Reference ---
 
 TEST(ReferenceTest, HoldsFromConstructionToDestruction) {
@@ -168,6 +218,34 @@ TEST(ReferenceTest, MoveTakesTheReferenceAlong) {
     qv::Reference<CountedObject> held(new CountedObject(alive));
     const qv::Reference<CountedObject> moved(std::move(held));
     EXPECT_EQ(moved->GetRefCount(), 1u);
+}
+
+TEST(ReferenceTest, AdoptTakesOverAReferenceAndDetachGivesItUp) {
+    int alive = 0;
+    auto* const object = new CountedObject(alive);
+    object->AddRef();
+    auto held = qv::Reference<CountedObject>::adopt(object);
+    EXPECT_EQ(object->GetRefCount(), 1u) << "the one that was there";
+    EXPECT_EQ(held.detach(), object);
+    EXPECT_EQ(held.get(), nullptr);
+    EXPECT_EQ(object->GetRefCount(), 1u);
+    EXPECT_EQ(object->Release(), 0u);
+    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(qv::Reference<CountedObject>::adopt(nullptr).detach(), nullptr);
+}
+
+TEST(ReferenceTest, AssignmentTakesTheNewReferenceBeforeItReleasesTheOld) {
+    // The old object is the only holder of the new one.
+    struct Holder : qv::Object {
+        qv::Reference<CountedObject> inner;
+    };
+    int alive = 0;
+    qv::Reference<qv::Object> held(new Holder);
+    auto* const inner = new CountedObject(alive);
+    static_cast<Holder*>(held.get())->inner = inner;
+    held = inner;
+    EXPECT_EQ(held->GetRefCount(), 1u);
+    EXPECT_EQ(alive, 1);
 }
 
 TEST(ReferenceTest, CopyReferenceSharesAndNeverClones) {

@@ -72,8 +72,14 @@ TYPED_TEST(MessageExceptionTest, CopySharesTheMessageAndHasAnObjectPartOfItsOwn)
     TypeParam copy(exception);
     EXPECT_EQ(copy.GetRefCount(), 0u);
     EXPECT_EQ(copy.getDescription().getData(), exception.getDescription().getData());
+    copy.AddRef();
+    copy.AddRef();
     copy = TypeParam(u"other");
+    EXPECT_EQ(copy.GetRefCount(), 2u) << "assignment leaves the object part alone";
     EXPECT_EQ(exception.getDescription(), u"why");
+    EXPECT_EQ(copy.getDescription(), u"other");
+    const TypeParam& same = copy;
+    copy = same;
     EXPECT_EQ(copy.getDescription(), u"other");
 }
 
@@ -169,6 +175,13 @@ TEST(ErrorRuleTest, ExceptionsBecomeResultsInOrder) {
     EXPECT_EQ(toResult([] { throw std::runtime_error("x"); }), fail);
     EXPECT_EQ(toResult([] { throw 1; }), fail);
     EXPECT_EQ(toResult([] { throw UnknownEncodingException(); }), QV_E_UNKNOWNENCODING);
+}
+
+TEST(ErrorRuleTest, LibraryExceptionIsAskedBeforeItCountsAsTheLanguagesOwn) {
+    struct Both : Exception, std::bad_alloc {
+        std::int32_t getResult() const override { return QV_E_BUSY; }
+    };
+    EXPECT_EQ(toResult([] { throw Both(); }), QV_E_BUSY);
 }
 
 TEST(ErrorRuleTest, ResultsBecomeExceptions) {

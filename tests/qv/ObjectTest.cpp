@@ -4,6 +4,7 @@
 #include "qv/CopyObject.h"
 #include "qv/Exceptions.h"
 #include "qv/String.h"
+#include "qv/qvcom/Module.h"
 #include "tests/support/CountedObject.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Table.h"
@@ -118,6 +119,17 @@ TEST(ObjectTest, QueryForAForeignIdStoresNull) {
     EXPECT_EQ(object.QueryInterface(IID_IQVByteBuffer, nullptr), qv::QV_E_POINTER);
 }
 
+TEST(ObjectTest, NonDelegatingQueryAsksTheVirtualOne) {
+    qv::String text;
+    text.AddRef();
+    void* out = nullptr;
+    EXPECT_EQ(text.NonDelegatingQueryInterface(IID_IQVCharBuffer, &out), 0);
+    EXPECT_EQ(out, static_cast<IQVCharBuffer*>(&text));
+    EXPECT_EQ(text.GetRefCount(), 2u);
+    EXPECT_EQ(text.NonDelegatingQueryInterface(IID_IQVByteBuffer, &out), qv::QV_E_NOINTERFACE);
+    EXPECT_EQ(out, nullptr);
+}
+
 TEST(ObjectTest, TableIsThatOfAComponent) {
     // The first three words of an object's table are the three operations of the unknown interface.
     struct Table {
@@ -196,8 +208,12 @@ TEST(ObjectComponentTest, FailuresBecomeResultsAndOutputsAreZeroed) {
     }
 }
 
+static_assert(!std::is_default_constructible_v<qv::CopyObject>);
+
 TEST(CopyObjectTest, CountAndModuleNeverTravelWithTheValue) {
+    qv::qvcom::Module module;
     Value value(3);
+    value.SetComModule(&module);
     value.AddRef();
     Value copy(value);
     EXPECT_EQ(copy.number, 3);
@@ -206,6 +222,7 @@ TEST(CopyObjectTest, CountAndModuleNeverTravelWithTheValue) {
     copy.AddRef();
     copy = value;
     EXPECT_EQ(copy.GetRefCount(), 2u);
+    EXPECT_EQ(module.GetRefCount(), 1u) << "of the first value alone";
 }
 
 } // namespace

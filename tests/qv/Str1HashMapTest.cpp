@@ -4,6 +4,7 @@
 #include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace qv;
 
@@ -169,6 +170,32 @@ TEST(Str1HashMapTest, ClearKeepsTheCapacity) {
     EXPECT_TRUE(keys(map).empty());
     map.put(key(1), Str1());
     EXPECT_EQ(map.getSize(), 1);
+}
+
+TEST(Str1HashMapTest, OnlyNewKeysAreCountedAsChanges) {
+    Map map;
+    map.put(Str1Copy(u"a"), Str1());
+    map.put(Str1Copy(u"b"), Str1());
+    EXPECT_EQ(map.getChangeCount(), 2);
+    map.remove(Str1Copy(u"a"));
+    map.remove(Str1Copy(u"none"));
+    map.clear();
+    EXPECT_EQ(map.getChangeCount(), 2);
+    map.put(Str1Copy(u"a"), Str1());
+    EXPECT_EQ(map.getChangeCount(), 3);
+}
+
+TEST(Str1HashMapTest, LoadBeyondAllNumbersNeverGrowsTheTable) {
+    for (const float load :
+         {1e30f, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+        Map map(3, load);
+        for (int i = 0; i < 50; ++i) {
+            map.put(key(i), Str1());
+        }
+        EXPECT_EQ(map.getCapacity(), 3);
+        EXPECT_EQ(map.getSize(), 50);
+        EXPECT_TRUE(map.containsKey(key(49)));
+    }
 }
 
 TEST(Str1HashMapTest, LongChainEndsWithoutRecursion) {

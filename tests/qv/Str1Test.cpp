@@ -166,6 +166,22 @@ TEST(Str1Test, CopyOfNothingKeepsTheStore) {
     EXPECT_EQ(text.getData1(), data);
 }
 
+TEST(Str1Test, ClearKeepsTheOffsetAndCopiesOfNothingDoNot) {
+    const Str1Copy text(u"0123456789");
+    Str1 cleared = text.substring(3, 6);
+    cleared.clear();
+    EXPECT_EQ(cleared.getData1(), text.getData1() + 3);
+    Str1 copied = text.substring(3, 6);
+    copied.copy(u"", 0);
+    EXPECT_TRUE(copied.isEmpty());
+    EXPECT_EQ(copied.getData1(), text.getData1());
+    Str1 decoded = text.substring(3, 6);
+    EXPECT_EQ(decoded.copyA(bytesOf(""), 0, u"UTF-8"), 0);
+    EXPECT_TRUE(decoded.isEmpty());
+    EXPECT_EQ(decoded.getData1(), text.getData1());
+    EXPECT_EQ(units(text), u"0123456789");
+}
+
 TEST(Str1Test, ClearKeepsAndResetGivesTheStoreBack) {
     Str1 text = Str1Copy(u"text");
     const char16_t* const data = text.getData1();
@@ -213,14 +229,19 @@ TEST(Str1Test, AppendToAStringWithoutAStoreIsAView) {
 }
 
 TEST(Str1Test, GrowingTextGrowsByAQuarter) {
-    Str1 text = Str1Copy(u"a");
+    struct Open : Str1 {
+        unsigned int capacity() const { return getBuffer()->getBufCapacity(); }
+    } text;
+    text.copy(u"a");
+    EXPECT_EQ(text.capacity(), 16u);
     text.append(u'b', 99); // 100 units wanted: 112 rounded, a quarter more: 140, and 144 rounded
-    const char16_t* const data = text.getData1();
+    EXPECT_EQ(text.capacity(), 144u);
     text.append(u'c', 44);
-    EXPECT_EQ(text.getData1(), data);
-    text.append(u'c');
-    EXPECT_NE(text.getData1(), data);
-    EXPECT_EQ(text.getLength(), 145);
+    EXPECT_EQ(text.capacity(), 144u);
+    text.append(u'd');
+    EXPECT_EQ(text.capacity(), 208u); // 145 wanted: 160 rounded, 200, 208 rounded
+    EXPECT_EQ(units(text),
+              u"a" + std::u16string(99, u'b') + std::u16string(44, u'c') + std::u16string(1, u'd'));
 }
 
 TEST(Str1Test, ViewThatWalkedForwardReclaimsItsFront) {
@@ -393,6 +414,33 @@ TEST(Str1AppendorTest, AppendsFast) {
     EXPECT_EQ(text.getLength(), 1104);
 }
 
+TEST(Str1AppendorTest, AsksAheadByItsHintsOnceByTheFirstAndThenByTheOther) {
+    Str1 text;
+    Str1::Appendor appendor(text, 100, 50);
+    appendor.fastAppend(u"12345", 5);
+    EXPECT_EQ(capacityOf(text), 112u); // 0 + 100 + 5, rounded
+    StrBuf1* const store = storeOf(text);
+    for (int i = 0; i < 107; ++i) {
+        appendor.fastAppend(u'x');
+    }
+    EXPECT_EQ(storeOf(text), store) << "what was given beyond the wish is used";
+    EXPECT_EQ(capacityOf(text), 112u);
+    appendor.fastAppend(u'y');
+    EXPECT_EQ(capacityOf(text), 224u); // 50 + 112 + 1 is 176 rounded, 220 with a quarter more
+    EXPECT_EQ(text.getLength(), 113);
+}
+
+TEST(Str1AppendorTest, FirstAppendOfNothingAsksForTheFirstHintAlone) {
+    Str1 text;
+    Str1::Appendor appendor(text, 20, 500);
+    appendor.firstAppend(u"", 0);
+    EXPECT_EQ(capacityOf(text), 32u);
+    EXPECT_TRUE(text.isEmpty());
+    appendor.firstAppend(u"abc", 3);
+    EXPECT_EQ(units(text), u"abc");
+    EXPECT_EQ(capacityOf(text), 32u);
+}
+
 TEST(Str1AppendorTest, FirstAppendOfNothingReserves) {
     Str1 text = Str1Copy(u"0123456789");
     Str1::Appendor appendor(text, 6, 1);
@@ -431,6 +479,78 @@ TEST(Str1AppendorTest, ResyncFollowsOtherChanges) {
 
 // --- Growth ---
 
+/// A light string that shows how it makes room. Its text is that of a source without other holders,
+/// from `start` on.
+struct Roomy : Str1 {
+    explicit Roomy(int start) {
+        copy(u"0123456789");
+        setTo(substring(start));
+    }
+    using Str1::ensureCapacity1;
+};
+
+TEST(Str1RoomTest, RoomCountsFromTheOffset) {
+    Roomy text(4);
+    const char16_t* const data = text.getData1();
+    EXPECT_EQ(text.ensureCapacity1(6, 0, -1), 12);
+    EXPECT_EQ(text.ensureCapacity1(12, 0, -1), 12) << "all that there is behind the offset";
+    EXPECT_EQ(text.getData1(), data);
+    EXPECT_EQ(text.ensureCapacity1(13, 0, -1), 16) << "the front is reclaimed";
+    EXPECT_EQ(text.getData1(), data - 4);
+    EXPECT_EQ(units(text), u"456789");
+}
+
+TEST(Str1RoomTest, NothingKeptGivesTheFrontBackAtOnce) {
+    Roomy text(4);
+    const char16_t* const data = text.getData1();
+    EXPECT_EQ(text.ensureCapacity1(1, 0, 0), 16);
+    EXPECT_EQ(text.getData1(), data - 4);
+    Roomy shared(4);
+    const Str1 sharer(shared);
+    EXPECT_EQ(shared.ensureCapacity1(0, 0, 0), 0) << "no room is wanted, and none is made";
+    EXPECT_EQ(shared.getData1(), sharer.getData1());
+}
+
+TEST(Str1RoomTest, OnlyWhatIsKeptMoves) {
+    Roomy text(4);
+    EXPECT_EQ(text.ensureCapacity1(16, 1, 3), 16);
+    text.adjustLength(2 - text.getLength());
+    EXPECT_EQ(units(text), u"56") << "to the front of its own store";
+    Roomy grown(4);
+    EXPECT_EQ(grown.ensureCapacity1(17, 1, 3), 48) << "32, and a quarter more, rounded";
+    grown.adjustLength(2 - grown.getLength());
+    EXPECT_EQ(units(grown), u"56");
+    Roomy shared(0);
+    const Str1 sharer(shared);
+    EXPECT_EQ(shared.ensureCapacity1(3, 2, 5), 32) << "16, and a quarter more, rounded";
+    shared.adjustLength(3 - shared.getLength());
+    EXPECT_EQ(units(shared), u"234");
+    EXPECT_EQ(units(sharer), u"0123456789");
+}
+
+TEST(Str1RoomTest, NothingKeptTakesNoMoreThanIsWanted) {
+    Roomy text(0);
+    EXPECT_EQ(text.ensureCapacity1(100, 0, 0), 112);
+    Roomy shared(0);
+    const Str1 sharer(shared);
+    EXPECT_EQ(shared.ensureCapacity1(3, 0, 0), 16);
+    EXPECT_NE(shared.getData1(), sharer.getData1());
+}
+
+TEST(Str1AppendorTest, RoomOfAViewEndsWithItsStore) {
+    Str1 text = Str1Copy(u"0123456789");
+    text.setTo(text.substring(8));
+    Str1::Appendor appendor(text, 0, 0);
+    for (int i = 0; i < 100; ++i) {
+        appendor.fastAppend(static_cast<char16_t>(u'a' + i % 26));
+        ASSERT_LE(static_cast<unsigned int>(text.getData1() - storeOf(text)->getData() +
+                                            text.getLength()),
+                  capacityOf(text));
+    }
+    EXPECT_EQ(text.getLength(), 102);
+    EXPECT_TRUE(text.startsWith(u"89abc"));
+}
+
 TEST(Str1Test, CopyTakesNoRoomToGrow) {
     Str1 fresh;
     fresh.copy(std::u16string(100, u'x').c_str());
@@ -463,6 +583,21 @@ TEST(Str1Test, CountBeyondTheEndAppendsTheRest) {
     EXPECT_EQ(storeOf(view), storeOf(source));
     text.append(source, std::numeric_limits<int>::max(), 10);
     EXPECT_EQ(units(text), u"-23456789");
+}
+
+TEST(Str1Test, StartOutsideTheTextAppendsNothing) {
+    const Str1 source = Str1Copy(u"0123456789");
+    for (const int start :
+         {-1, std::numeric_limits<int>::min(), 10, 11, std::numeric_limits<int>::max()}) {
+        for (const int count : {-1, 0, 3, std::numeric_limits<int>::max()}) {
+            Str1 text = Str1Copy(u"-");
+            text.append(source, count, start);
+            EXPECT_EQ(units(text), u"-") << start << ' ' << count;
+            Str1 none;
+            none.append(source, count, start);
+            EXPECT_TRUE(none.isEmpty()) << start << ' ' << count;
+        }
+    }
 }
 
 // --- Narrow text ---
@@ -531,6 +666,29 @@ TEST(Str1BytesTest, NarrowFormIsWrittenAndTerminated) {
     position = 1;
     EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 16, u"UTF-8", nullptr, &position), 0);
     EXPECT_STREQ(out, "bc");
+}
+
+TEST(Str1BytesTest, PositionsOutsideTheTextReadNothingOutsideIt) {
+    char out[16];
+    for (const int start : {3, 4, std::numeric_limits<int>::max()}) {
+        int written = -1;
+        int position = start;
+        EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 16, u"UTF-8", &written, &position), 0);
+        EXPECT_STREQ(out, "");
+        EXPECT_EQ(written, 0);
+        int length = -1;
+        EXPECT_EQ(Str1Copy(u"abc").getLengthA(&length, u"UTF-8", start), 0);
+        EXPECT_EQ(length, 0);
+    }
+    for (const int start : {-1, std::numeric_limits<int>::min()}) {
+        int position = start;
+        EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 16, u"UTF-8", nullptr, &position), 0);
+        EXPECT_STREQ(out, "abc");
+        EXPECT_EQ(position, 3);
+        int length = -1;
+        EXPECT_EQ(Str1Copy(u"abc").getLengthA(&length, u"UTF-8", start), 0);
+        EXPECT_EQ(length, 3);
+    }
 }
 
 TEST(Str1BytesTest, CutTextHasNoTerminator) {

@@ -99,6 +99,26 @@ TEST(StringBytesTest, TerminatorIsAsWideAsTheWidestCharacter) {
     EXPECT_EQ(content(buffer), std::string("ab\0\0\0\0\0\0", 8));
 }
 
+TEST(StringBytesTest, RoomForTheWorstCaseIsTakenAtOnceAndKept) {
+    util::RWByteBuffer buffer;
+    String(u'a', 10).getBytes(&buffer, u"UTF-8");
+    EXPECT_EQ(buffer.getCapacity(), 80) << "6 bytes for each of 10 units and the terminator";
+    EXPECT_EQ(buffer.getLength(), 16);
+    util::RWByteBuffer single;
+    String(u'a', 10).getBytes(&single, u"ISO8859_1");
+    EXPECT_EQ(single.getCapacity(), 16);
+}
+
+TEST(StringBytesTest, NegativeSizeWritesNothing) {
+    signed char byte = 'x';
+    for (const std::int32_t size : {-1, std::numeric_limits<std::int32_t>::min()}) {
+        for (const char16_t* encoding : {u"UTF-8", u"UTF-16LE", u"ISO8859_1"}) {
+            EXPECT_EQ(String(u'a', 40).getBytes(&byte, size, encoding), 0);
+        }
+    }
+    EXPECT_EQ(byte, 'x');
+}
+
 TEST(StringBytesTest, CallersMemoryTakesTextAndTerminator) {
     signed char memory[16];
     EXPECT_EQ(String(u"ab").getBytes(memory, 16, u"UTF-16LE"), 8);
@@ -158,6 +178,14 @@ TEST(StringBytesTest, BytesAreDecoded) {
     EXPECT_EQ(String(bytesOf("\x80"), -1, u"CP1252"), u"€");
 }
 
+TEST(StringBytesTest, DecodedTextHasTheRoomAskedFor) {
+    String text(bytesOf("abc"), 3, u"UTF-8", 100);
+    const char16_t* const data = text.getData();
+    text.append(u'x', 90);
+    EXPECT_EQ(text.getData(), data);
+    EXPECT_EQ(text.getLength(), 93);
+}
+
 TEST(StringBytesTest, SetToDecodesInPlaceOfTheText) {
     String text(u"old");
     const String copy(text);
@@ -172,6 +200,14 @@ TEST(StringBytesTest, SetToDecodesInPlaceOfTheText) {
     EXPECT_EQ(text, u"narrow");
     EXPECT_THROW(text.setTo("x", -1, u"no such"), text::charset::UnknownEncodingException);
     EXPECT_EQ(text, u"narrow");
+}
+
+TEST(StringBytesTest, OwnNarrowFormMayBeTheSource) {
+    String text(u"a text that is taken from its own narrow form");
+    text = text.getBytes();
+    EXPECT_EQ(text, u"a text that is taken from its own narrow form");
+    text.setTo(text.getBytes(u"UTF-16LE") + 4, 8, u"UTF-16LE");
+    EXPECT_EQ(text, u"text");
 }
 
 TEST(StringBytesTest, BytesThatCannotBeDecodedLeaveTheTextAsItWas) {

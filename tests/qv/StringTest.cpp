@@ -2,12 +2,14 @@
 
 #include "qv/AnsiBytes.h"
 #include "qv/Exceptions.h"
+#include "qv/qvcom/Module.h"
 #include "qv/util/ROBuffer.h"
 #include "qv/util/RWBuffer.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace qv;
 using namespace qv::literals;
@@ -305,6 +307,26 @@ TEST(StringTest, SharedForeignBufferIsReadInPlaceAndSeparatedByAWrite) {
     EXPECT_EQ(buffer->GetRefCount(), 1u);
 }
 
+TEST(StringTest, LastStringOfABufferGivesTheBuffersModuleFree) {
+    qvcom::Module module;
+    {
+        auto* const owned = new util::RWCharBuffer(u"abc", 4);
+        owned->SetComModule(&module);
+        String text(String::ACQUIRE_SHARE, owned);
+        EXPECT_EQ(module.GetRefCount(), 1u) << "the string holds it";
+        const String copy(text);
+        text = u"other";
+        EXPECT_EQ(module.GetRefCount(), 1u);
+    }
+    EXPECT_EQ(module.GetRefCount(), 0u);
+    auto* const owned = new util::RWCharBuffer(u"abc", 4);
+    owned->SetComModule(&module);
+    String text(String::ACQUIRE_SHARE, owned);
+    EXPECT_EQ(module.GetRefCount(), 1u);
+    text.setAddRef(String());
+    EXPECT_EQ(module.GetRefCount(), 0u);
+}
+
 TEST(StringTest, EmptyInnerBufferCountsAsEmptyText) {
     const Reference<util::RWCharBuffer> buffer(new util::RWCharBuffer);
     const String text(String::ACQUIRE_SHARE, buffer.get());
@@ -327,13 +349,31 @@ public:
         ++locks;
         return RWBuffer::getWriteLock(capacity);
     }
+    char16_t* ensureCapacity(int capacity) override {
+        if (full && capacity > getCapacity()) {
+            throw std::bad_alloc();
+        }
+        return RWBuffer::ensureCapacity(capacity);
+    }
     void releaseWriteLock(int length) override {
         --locks;
         RWBuffer::releaseWriteLock(length);
     }
     mutable int locks = 0;
     bool refuse = false;
+    bool full = false;
 };
+
+TEST(StringTest, ForeignInnerBufferWithoutRoomKeepsItsTextAndGivesTheLockBack) {
+    auto* const buffer = new LockedBuffer(u"abc", 4);
+    String text(String::ACQUIRE_SHARE, buffer);
+    buffer->full = true;
+    EXPECT_EQ(support::thrownResult([&] { text.append(ofLength(100)); }), QV_E_OUTOFMEMORY);
+    EXPECT_EQ(buffer->locks, 0);
+    EXPECT_EQ(support::thrownResult([&] { text.insert(1, u'x', 100); }), QV_E_OUTOFMEMORY);
+    EXPECT_EQ(buffer->locks, 0);
+    EXPECT_EQ(text, u"abc");
+}
 
 TEST(StringTest, ForeignInnerBufferIsReachedThroughItsLocks) {
     auto* const buffer = new LockedBuffer(u"abc", 4);
@@ -349,7 +389,217 @@ TEST(StringTest, ForeignInnerBufferIsReachedThroughItsLocks) {
     EXPECT_EQ(support::thrownResult([&] { text.getReadLock(); }), QV_E_BUSY);
 }
 
+/// An operation that reads one string, and perhaps another.
+struct Reading {
+    const char* name;
+    void (*read)(const String& own, const String& other);
+};
+
+class StringReadingTest : public testing::TestWithParam<Reading> {
+protected:
+    static void read(const String& own, const String& other) { GetParam().read(own, other); }
+    LockedBuffer* const buffer = new LockedBuffer(u"abc", 4);
+    const String locked{String::ACQUIRE_SHARE, buffer};
+};
+class StringReadsItselfTest : public StringReadingTest {};
+class StringReadsAnotherTest : public StringReadingTest {};
+
+TEST_P(StringReadsItselfTest, UnderALockThatItGivesBack) {
+    read(locked, u"b");
+    EXPECT_EQ(buffer->locks, 0);
+    buffer->refuse = true;
+    EXPECT_EQ(support::thrownResult([&] { read(locked, u"b"); }), QV_E_BUSY);
+    EXPECT_EQ(buffer->locks, 0);
+}
+
+TEST_P(StringReadsAnotherTest, UnderALockThatItGivesBack) {
+    read(u"abcabc", locked);
+    EXPECT_EQ(buffer->locks, 0);
+    buffer->refuse = true;
+    EXPECT_EQ(support::thrownResult([&] { read(u"abcabc", locked); }), QV_E_BUSY);
+    EXPECT_EQ(buffer->locks, 0);
+}
+
+using S = String;
+const Reading ofItself[] = {
+    {"GetCharAt", [](const S& own, const S&) { static_cast<void>(own.getCharAt(1)); }},
+    {"HashCode", [](const S& own, const S&) { static_cast<void>(own.hashCode()); }},
+    {"HashCodeIgnoringCase", [](const S& own, const S&) { static_cast<void>(own.hashCode(true)); }},
+    {"Substring", [](const S& own, const S&) { static_cast<void>(own.substring(1)); }},
+    {"GetBytes",
+     [](const S& own, const S&) {
+         char out[8];
+         own.getBytes(out, 8, u"UTF-8");
+     }},
+    {"Compare", [](const S& own, const S& other) { static_cast<void>(own.compare(other)); }},
+    {"Equals", [](const S& own, const S& other) { static_cast<void>(own.equals(other)); }},
+    {"StartsWith", [](const S& own, const S& other) { static_cast<void>(own.startsWith(other)); }},
+    {"EndsWith", [](const S& own, const S& other) { static_cast<void>(own.endsWith(other)); }},
+    {"IndexOf", [](const S& own, const S& other) { static_cast<void>(own.indexOf(other)); }},
+    {"IndexOfUnit", [](const S& own, const S&) { static_cast<void>(own.indexOf(u'b')); }},
+    {"LastIndexOf",
+     [](const S& own, const S& other) { static_cast<void>(own.lastIndexOf(other)); }},
+    {"LastIndexOfUnit", [](const S& own, const S&) { static_cast<void>(own.lastIndexOf(u'b')); }},
+    {"FindFirstOf",
+     [](const S& own, const S& other) { static_cast<void>(own.findFirstOf(other)); }},
+    {"FindFirstNotOf",
+     [](const S& own, const S& other) { static_cast<void>(own.findFirstNotOf(other)); }},
+    {"FindLastOf", [](const S& own, const S& other) { static_cast<void>(own.findLastOf(other)); }},
+    {"FindLastNotOf",
+     [](const S& own, const S& other) { static_cast<void>(own.findLastNotOf(other)); }},
+};
+INSTANTIATE_TEST_SUITE_P(All, StringReadsItselfTest, testing::ValuesIn(ofItself),
+                         [](const auto& row) { return row.param.name; });
+
+const Reading ofAnother[] = {
+    {"Copy", [](const S&, const S& other) { S(S::ACQUIRE_COPY, other, 0); }},
+    {"Wrap", [](const S&, const S& other) { S(S::ACQUIRE_WRAP, other, 0); }},
+    {"Upper", [](const S&, const S& other) { S(S::ACQUIRE_COPY_UPPER, other, 0); }},
+    {"CopyAsBuffer", [](const S&, const S& other) { S(const_cast<S*>(&other)); }},
+    {"WrapAsBuffer", [](const S&, const S& other) { S(S::ACQUIRE_WRAP, const_cast<S*>(&other)); }},
+    {"Assign", [](const S&, const S& other) { static_cast<void>(S() = other); }},
+    {"SetTo", [](const S&, const S& other) { S().setTo(S::ACQUIRE_COPY, other, 0); }},
+    {"SetToWrap", [](const S&, const S& other) { S().setTo(S::ACQUIRE_WRAP, other, 0); }},
+    {"Replace", [](const S& own, const S& other) { S(own).replace(0, 1, other, 0); }},
+    {"Append", [](const S& own, const S& other) { S(own).append(other); }},
+    {"Add", [](const S& own, const S& other) { static_cast<void>(S(own) += other); }},
+    {"Prepend", [](const S& own, const S& other) { S(own).prepend(other); }},
+    {"Insert", [](const S& own, const S& other) { S(own).insert(1, other); }},
+    {"Trim", [](const S& own, const S& other) { S(own).trim(other, S::TRIM_BOTH); }},
+    {"TranslateFrom", [](const S& own, const S& other) { S(own).translate(other, u"x"); }},
+    {"TranslateTo", [](const S& own, const S& other) { S(own).translate(u"x", other); }},
+    {"Compare", [](const S& own, const S& other) { static_cast<void>(own.compare(other)); }},
+    {"CompareTo",
+     [](const S& own, const S& other) {
+         static_cast<void>(own.compareTo(static_cast<const Object&>(other)));
+     }},
+    {"Equals", [](const S& own, const S& other) { static_cast<void>(own.equals(other)); }},
+    {"StartsWith", [](const S& own, const S& other) { static_cast<void>(own.startsWith(other)); }},
+    {"EndsWith", [](const S& own, const S& other) { static_cast<void>(own.endsWith(other)); }},
+    {"Contains", [](const S& own, const S& other) { static_cast<void>(own.contains(other)); }},
+    {"RegionCompare",
+     [](const S& own, const S& other) { static_cast<void>(own.regionCompare(0, -1, other, 0)); }},
+    {"RegionMatches",
+     [](const S& own, const S& other) { static_cast<void>(own.regionMatches(0, -1, other, 0)); }},
+    {"IndexOf", [](const S& own, const S& other) { static_cast<void>(own.indexOf(other)); }},
+    {"LastIndexOf",
+     [](const S& own, const S& other) { static_cast<void>(own.lastIndexOf(other)); }},
+    {"FindFirstOf",
+     [](const S& own, const S& other) { static_cast<void>(own.findFirstOf(other)); }},
+    {"FindFirstNotOf",
+     [](const S& own, const S& other) { static_cast<void>(own.findFirstNotOf(other)); }},
+    {"FindFirstOfCase",
+     [](const S& own, const S& other) { static_cast<void>(own.findFirstOfCase(other)); }},
+    {"FindLastOf", [](const S& own, const S& other) { static_cast<void>(own.findLastOf(other)); }},
+    {"FindLastNotOf",
+     [](const S& own, const S& other) { static_cast<void>(own.findLastNotOf(other)); }},
+};
+INSTANTIATE_TEST_SUITE_P(All, StringReadsAnotherTest, testing::ValuesIn(ofAnother),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(StringTest, NarrowReadLockLastsUntilItIsReleased) {
+    auto* const buffer = new LockedBuffer(u"abc", 4);
+    const String text(String::ACQUIRE_SHARE, buffer);
+    EXPECT_STREQ(text.getBytesReadLock(u"UTF-8"), "abc");
+    EXPECT_EQ(buffer->locks, 1);
+    text.releaseReadLock();
+    EXPECT_EQ(buffer->locks, 0);
+    EXPECT_STREQ(text.getReadLockT(true), "abc");
+    EXPECT_EQ(buffer->locks, 1);
+    text.releaseReadLock();
+    EXPECT_EQ(text.getReadLockT(1), text.getData());
+    EXPECT_EQ(buffer->locks, 1);
+    text.releaseReadLock();
+    EXPECT_THROW(text.getBytesReadLock(u"no such"), text::charset::UnknownEncodingException);
+    EXPECT_EQ(buffer->locks, 0) << "nobody would release it";
+}
+
+TEST(StringTest, SeparatingWriteReservesTheRoomItAskedFor) {
+    const String text(u"abc");
+    String copy(text);
+    const char16_t* const data = copy.getWriteLock(100);
+    copy.releaseWriteLock(-1);
+    EXPECT_EQ(copy, text);
+    copy.append(u'x', 97);
+    EXPECT_EQ(copy.getData(), data);
+}
+
 // --- Editing ---
+
+struct Edit {
+    const char* name;
+    void (*make)(String& text);
+    const char* result; // of "ab c "
+};
+
+class StringEditTest : public testing::TestWithParam<Edit> {
+protected:
+    String text{u"ab c "};
+};
+
+TEST_P(StringEditTest, DropsTheNarrowForm) {
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "ab c ");
+    GetParam().make(text);
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), GetParam().result);
+}
+
+TEST_P(StringEditTest, LeavesTheSharers) {
+    const String sharer(text);
+    GetParam().make(text);
+    EXPECT_EQ(sharer, u"ab c ");
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), GetParam().result);
+    EXPECT_FALSE(shares(text, sharer));
+}
+
+TEST_P(StringEditTest, LeavesALiteral) {
+    static const char16_t units[] = u"ab c ";
+    String literal(STRUCT_QV_STR_LIT_INFO{units, 5});
+    GetParam().make(literal);
+    EXPECT_STREQ(literal.getBytes(u"UTF-8"), GetParam().result);
+    EXPECT_EQ(std::u16string(units), u"ab c ");
+}
+
+const Edit edits[] = {
+    {"AssignString", [](String& text) { text = static_cast<const String&>(String(u"x")); }, "x"},
+    {"AssignTemporary", [](String& text) { text = String(u"x"); }, "x"},
+    {"AssignUnits", [](String& text) { text = u"x"; }, "x"},
+    {"AssignUnit", [](String& text) { text = u'x'; }, "x"},
+    {"AssignBytes", [](String& text) { text = "x"; }, "x"},
+    {"SetToText", [](String& text) { text.setTo(u"xyz", 2); }, "xy"},
+    {"SetToUnits", [](String& text) { text.setTo(u'x', 2); }, "xx"},
+    {"SetToBytes", [](String& text) { text.setTo("xyz", 2, u"UTF-8"); }, "xy"},
+    {"SetToCopy", [](String& text) { text.setTo(String::ACQUIRE_COPY, u"xy"); }, "xy"},
+    {"SetToUpper", [](String& text) { text.setTo(String::ACQUIRE_COPY_UPPER, u"xy"); }, "XY"},
+    {"ReplaceText", [](String& text) { text.replace(1, 1, u"--"); }, "a-- c "},
+    {"ReplaceUnits", [](String& text) { text.replace(1, 1, u'-', 2); }, "a-- c "},
+    {"AddString", [](String& text) { text += String(u"x"); }, "ab c x"},
+    {"AddUnits", [](String& text) { text += u"x"; }, "ab c x"},
+    {"AddUnit", [](String& text) { text += u'x'; }, "ab c x"},
+    {"AppendUnit", [](String& text) { text.append(u'x'); }, "ab c x"},
+    {"AppendUnits", [](String& text) { text.append(u'x', 2); }, "ab c xx"},
+    {"Prepend", [](String& text) { text.prepend(u"x"); }, "xab c "},
+    {"Insert", [](String& text) { text.insert(2, u"x"); }, "abx c "},
+    {"Remove", [](String& text) { text.remove(1, 2); }, "ac "},
+    {"Clear", [](String& text) { text.clear(); }, ""},
+    {"ResizeCuts", [](String& text) { text.resize(2); }, "ab"},
+    {"ResizeFills", [](String& text) { text.resize(7, u'x'); }, "ab c xx"},
+    {"SetCharAt", [](String& text) { text.setCharAt(0, u'x'); }, "xb c "},
+    {"ToUpper", [](String& text) { text.toUpper(); }, "AB C "},
+    {"ToLower", [](String& text) { text.toLower(); }, "ab c "},
+    {"Translate", [](String& text) { text.translate(u'a', u'x'); }, "xb c "},
+    {"Trim", [](String& text) { text.trim(); }, "ab c"},
+    {"TrimSet", [](String& text) { text.trim(u"a ", -1, String::TRIM_BOTH); }, "b c"},
+    {"TrimUnit", [](String& text) { text.trim(u'a', String::TRIM_LEFT); }, "b c "},
+    {"Format", [](String& text) { text.format(u"{0}", -1, u"x"); }, "x"},
+    {"WriteLock",
+     [](String& text) {
+         text.getWriteLock(1)[0] = u'x';
+         text.releaseWriteLock(1);
+     },
+     "x"},
+};
+INSTANTIATE_TEST_SUITE_P(All, StringEditTest, testing::ValuesIn(edits),
+                         [](const auto& row) { return row.param.name; });
 
 TEST(StringTest, ReplacePutsATextInPlaceOfARange) {
     String text(u"0123456789");
@@ -428,6 +678,42 @@ TEST(StringTest, GrowthIsExactButForTheRounding) {
     EXPECT_EQ(buffer->getCapacity(), (1500 + 2 + 15) / 16 * 16);
     text.insert(0, u"0123456789");
     EXPECT_EQ(buffer->getCapacity(), (1510 + 2 + 15) / 16 * 16);
+}
+
+TEST(StringTest, LocksMakeRoomForTheTerminatorToo) {
+    auto* const buffer = new MeasuredBuffer(u"", 1);
+    String text(String::ACQUIRE_SHARE, buffer);
+    text.getWriteLock(15);
+    EXPECT_EQ(buffer->getCapacity(), 16);
+    text.ensureCapacity(16);
+    EXPECT_EQ(buffer->getCapacity(), 32);
+    text.releaseWriteLock(31);
+    EXPECT_EQ(buffer->getCapacity(), 32);
+    text.getWriteLock(32);
+    EXPECT_EQ(buffer->getCapacity(), 48);
+    text.releaseWriteLock(48);
+    EXPECT_EQ(buffer->getCapacity(), 64) << "the release makes room for the terminator";
+    text.releaseWriteLock(0);
+    text.freeExtra();
+    EXPECT_EQ(buffer->getCapacity(), 16);
+}
+
+TEST(StringTest, EveryConstructorGivesTheRoomAskedFor) {
+    const String source(u"0123456789");
+    for (const String& made :
+         {String(u"ab", 2, 100), String(u'x', 2, 100), String(u"", 0, 100), String(100),
+          String(String::ACQUIRE_COPY, source, 2, 4, 100),
+          String(String::ACQUIRE_COPY, u"ab", 2, 100),
+          String(reinterpret_cast<const signed char*>("ab"), 2, u"UTF-8", 100),
+          CQVString::create(u"ab", 2, 100),
+          CQVString::create(reinterpret_cast<const signed char*>("ab"), 2, u"UTF-8", 100)}) {
+        // The initializer list holds each: a copy of it would separate.
+        String& text = const_cast<String&>(made);
+        const char16_t* const data = text.getData();
+        text.append(u'y', 98 - text.getLength());
+        EXPECT_EQ(text.getData(), data);
+        EXPECT_EQ(text.getLength(), 98);
+    }
 }
 
 TEST(StringTest, ImpossibleLengthsAreOutOfMemory) {
@@ -829,6 +1115,42 @@ TEST(StringComponentTest, EnsureCapacityDoesNotSeparate) {
     EXPECT_EQ(static_cast<util::ICharBuffer&>(text).EnsureCapacity(1, &data), QV_E_NOTIMPL);
     EXPECT_EQ(data, nullptr);
     EXPECT_EQ(support::thrownResult([&] { text.ensureCapacity(1); }), QV_E_NOTIMPL);
+}
+
+TEST(StringComponentTest, ReleaseStopsWithTheFailureOfTheInnerBuffer) {
+    static const char16_t units[] = u"literal";
+    String text(STRUCT_QV_STR_LIT_INFO{units, 7});
+    util::ICharBuffer& face = text;
+    EXPECT_EQ(face.ReleaseWriteLock(3), QV_E_NOTIMPL) << "no lock was taken, nothing separated";
+    EXPECT_EQ(text, u"literal");
+    EXPECT_EQ(face.ReleaseWriteLock(-1), QV_E_NOTIMPL);
+    EXPECT_EQ(support::thrownResult([&] { text.releaseWriteLock(3); }), QV_E_NOTIMPL);
+}
+
+TEST(StringComponentTest, ImpossibleSizesAreOutOfMemoryWithNothingStored) {
+    constexpr int most = std::numeric_limits<int>::max();
+    String text(u"abc");
+    util::ICharBuffer& face = text;
+    for (const int capacity : {most, most - 1}) {
+        char16_t unit = 0;
+        char16_t* data = &unit;
+        EXPECT_EQ(face.GetWriteLock(capacity, &data), QV_E_OUTOFMEMORY) << capacity;
+        EXPECT_EQ(data, nullptr);
+        data = &unit;
+        EXPECT_EQ(face.EnsureCapacity(capacity, &data), QV_E_OUTOFMEMORY) << capacity;
+        EXPECT_EQ(data, nullptr);
+        EXPECT_EQ(face.ReleaseWriteLock(capacity), QV_E_OUTOFMEMORY) << capacity;
+    }
+    EXPECT_EQ(text, u"abc");
+}
+
+TEST(StringComponentTest, ReadLockOfARefusingInnerBufferStoresNothing) {
+    auto* const buffer = new LockedBuffer(u"abc", 4);
+    const String text(String::ACQUIRE_SHARE, buffer);
+    buffer->refuse = true;
+    const char16_t* data = u"";
+    EXPECT_EQ(static_cast<const util::ICharBuffer&>(text).GetReadLock(&data), QV_E_BUSY);
+    EXPECT_EQ(data, nullptr);
 }
 
 TEST(StringComponentTest, AnswersTheInterfacesOfABuffer) {

@@ -7,8 +7,8 @@
 namespace support {
 
 /// An object whose end is watched and whose memory stays, together with what its destructor had to
-/// leave behind: nothing is reported as leaked. One for each type.
-template <class T>
+/// leave behind: nothing is reported as leaked. One for each type and number.
+template <class T, int = 0>
 class Abandoned {
 public:
     template <class... Arguments>

@@ -4,11 +4,11 @@
 
 namespace support {
 
-/// Counts the allocations by `new` of this thread while it lives, and lets one fail on request. The
-/// test program's own operators new are what the library's modules call too.
+/// Counts the allocations of this thread while it lives, by `new` and by the C library's functions,
+/// and lets one fail on request: under a sanitizer one of those by `new`.
 class Allocations {
 public:
-    /// With `failing` above 0 that allocation fails with std::bad_alloc, counted from 1.
+    /// With `failing` above 0 that allocation fails, counted from 1.
     explicit Allocations(std::size_t failing = 0) noexcept;
     Allocations(const Allocations&) = delete;
     Allocations& operator=(const Allocations&) = delete;

@@ -23,8 +23,8 @@ void configure(qv::text::charset::CharToByteConverter& encoder,
 
 /// Runs one call of `convert` over the whole input, into `room` units, and tells what it did. The
 /// ranges begin behind the start of their arrays. Fails the test where the positions, the result or
-/// what lies around the output are not what they must be. The text in front of a failure is not
-/// told.
+/// what lies around the output, also between its end and that of the room, are not what they must
+/// be. The text in front of a failure is not told.
 reference::Decoded decode(qv::text::charset::ByteToCharConverter& decoder, std::string_view bytes,
                           std::size_t room = 4096);
 reference::Encoded encode(qv::text::charset::CharToByteConverter& encoder,
@@ -35,7 +35,7 @@ std::u16string decodeAll(qv::text::charset::ByteToCharConverter& decoder, std::s
 std::string encodeAll(qv::text::charset::CharToByteConverter& encoder, std::u16string_view units);
 
 /// Runs converter and reference over the same input. Fails the test where they differ, also in what
-/// stands in the output in front of a failure. @return true where they agree.
+/// stands in the output in front of a failure, and behind it. @return true where they agree.
 bool agreesDecoding(reference::Form form, std::string_view bytes, std::size_t room,
                     const reference::DecoderSettings& settings = {});
 bool agreesEncoding(reference::Form form, std::u16string_view units, std::size_t room,

@@ -41,8 +41,9 @@ public:
     using Source::read;
     std::int32_t read(Unit* destination, std::int32_t length) override {
         requests.push_back(length);
-        if (failures > 0) {
+        if (failures > 0 && piecesBeforeFailures == 0) {
             --failures;
+            std::fill_n(destination, length, Unit{'#'}); // what a failed read leaves is rubbish
             throw qv::io::IoException(u"the source failed");
         }
         if (emptyReads > 0) {
@@ -52,6 +53,7 @@ public:
         if (left() == 0) {
             return -1;
         }
+        piecesBeforeFailures -= piecesBeforeFailures > 0 ? 1 : 0;
         const std::int32_t count = std::min({length, longestPiece_, left()});
         std::copy_n(units_.data() + pos_, count, destination);
         pos_ += count;
@@ -68,8 +70,9 @@ public:
     std::vector<std::int32_t> requests;
     int closes = 0;
     int skips = 0;
-    /// Reads to come that throw, and that give nothing.
+    /// Reads to come that throw, and that give nothing. Some pieces may come before the former.
     int failures = 0;
+    int piecesBeforeFailures = 0;
     int emptyReads = 0;
     bool tellsAvailable = false;
 

@@ -11,9 +11,10 @@ namespace support {
 /// A folder of a test's own, gone with the object.
 class TestFolder {
 public:
-    TestFolder() {
+    explicit TestFolder(
+        const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
         static std::atomic<int> number = 0;
-        path_ = std::filesystem::temp_directory_path() /
+        path_ = parent /
                 ("qvcl-test-" + std::to_string(QVThreadGetID()) + "-" + std::to_string(++number));
         std::filesystem::remove_all(path_);
         std::filesystem::create_directory(path_);
@@ -21,6 +22,13 @@ public:
     ~TestFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
+    }
+    /// Where files lie in memory, if the system has such a place: for tests that have the system
+    /// write through to the disk very often.
+    static std::filesystem::path fastParent() {
+        const std::filesystem::path memory = "/dev/shm";
+        return std::filesystem::is_directory(memory) ? memory
+                                                     : std::filesystem::temp_directory_path();
     }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;

@@ -1,7 +1,7 @@
 #include "Arguments.h"
 
-#include "qv/Exceptions.h"
 #include "qvcore/Module.h"
+#include "qvcore/NumberText.h"
 
 #include <algorithm>
 
@@ -69,18 +69,16 @@ String Arguments::requiredText(const char16_t* name) const {
 }
 
 std::optional<int> Arguments::count(const char16_t* name) const {
-    if (!has(name)) {
+    const std::optional<String> value = text(name);
+    if (!value) {
         return std::nullopt;
     }
-    try {
-        const int value = parser_.getValueLong(name, 0);
-        if (value >= 0) {
-            return value;
-        }
-    } catch (const qv::Exception&) {
-        // no number: the usage line says what is wanted
+    const char16_t* end = value->getData();
+    const int number = QVStrToLW(end, &end, 0);
+    if (value->isEmpty() || end != value->getData() + value->getLength() || number < 0) {
+        throw UsageError();
     }
-    throw UsageError();
+    return number;
 }
 
 } // namespace tool

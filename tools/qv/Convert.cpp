@@ -8,7 +8,9 @@
 #include "qv/text/charset/CharToByteConverter.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 namespace tool {
@@ -121,9 +123,20 @@ Reference<OutputStream> openOutput(const std::optional<String>& path) {
                 : Reference<OutputStream>(FileOutputStream::standardOutput());
 }
 
+/// A path as the language's own library takes it.
+std::filesystem::path systemPath(String text) {
+    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
+        text.translate(u'\\', u'/');
+        return text.getBytes();
+    } else {
+        return text.getData();
+    }
+}
+
+/// Whatever the two are called: a link is the file that it leads to.
 void refuseSameFile(const std::optional<String>& in, const std::optional<String>& out) {
-    using qv::util::FilePath;
-    if (in && out && FilePath(*in).getCanonicalPath() == FilePath(*out).getCanonicalPath()) {
+    std::error_code notThere; // a file that is not there yet is no other
+    if (in && out && std::filesystem::equivalent(systemPath(*in), systemPath(*out), notThere)) {
         throw qv::Exception(u"input and output are the same file");
     }
 }

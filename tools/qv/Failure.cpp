@@ -42,6 +42,16 @@ String meaningOf(std::int32_t result) {
     return found == std::end(meanings) ? u"failed" : found->text;
 }
 
+/// What a user gave may hold line ends and other controls, which a message repeats as blanks.
+String asOneLine(String text) {
+    for (int i = 0; i < text.getLength(); ++i) {
+        if (text[i] < u' ' || text[i] == u'\x7F') {
+            text.setCharAt(i, u' ');
+        }
+    }
+    return text;
+}
+
 String inBrackets(std::int32_t result) {
     char16_t digits[34];
     String text(QVLToStrW(result, digits, 16));
@@ -66,8 +76,7 @@ String told(const qv::Exception& exception) {
 
 void complain(const String& line) noexcept {
     try {
-        String text(line);
-        text.append(u'\n');
+        const String text = asOneLine(line).append(u'\n');
         const std::string bytes(text.getBytes());
         qv::io::FileOutputStream error(QVFileGetStandard(2), false);
         error.write(bytes.data(), static_cast<std::int32_t>(bytes.size()));

@@ -64,22 +64,53 @@ void BufferedInput<Source, Unit>::refillGivingUpMark() {
 }
 
 template <class Source, class Unit>
+void BufferedInput<Source, Unit>::takeBack(const Unit* units, std::int32_t count) {
+    if (count > 0 && markPos_ < 0) {
+        const std::int32_t left = unreadCount();
+        const std::int32_t size = std::max(bufferSize_, count + left);
+        auto fresh = std::make_unique_for_overwrite<Unit[]>(static_cast<std::size_t>(size));
+        std::copy_n(units, count, fresh.get());
+        std::copy_n(unread(), left, fresh.get() + count);
+        buffer_ = std::move(fresh);
+        bufferSize_ = size;
+        pos_ = count;
+        count_ = count + left;
+    }
+    pos_ -= count; // a live mark has kept them in the buffer
+}
+
+template <class Source, class Unit>
 std::int32_t BufferedInput<Source, Unit>::read(Unit* destination, std::int32_t length) {
     ensureOpen();
     std::int32_t total = 0;
+    try {
+        readBlock(destination, length, total);
+    } catch (...) {
+        takeBack(destination, total);
+        throw;
+    }
+    return total;
+}
+
+/// Adds what it hands out to `total`, or makes that -1 where the source has ended.
+template <class Source, class Unit>
+void BufferedInput<Source, Unit>::readBlock(Unit* destination, std::int32_t length,
+                                            std::int32_t& total) {
     while (total < length) {
         if (isUsedUp()) {
             if (total > 0 && in_->available() == 0) {
-                return total;
+                return;
             }
             const std::int32_t remaining = length - total;
             if (remaining >= bufferSize_ && markPos_ < 0) {
                 const std::int32_t read = in_->read(destination + total, remaining);
-                return read > 0 || total == 0 ? total + read : total;
+                total += read > 0 || total == 0 ? read : 0;
+                return;
             }
             fillBuffer();
             if (isUsedUp()) {
-                return total > 0 ? total : -1;
+                total = total > 0 ? total : -1;
+                return;
             }
         }
         const std::int32_t copied = std::min(length - total, unreadCount());
@@ -87,7 +118,6 @@ std::int32_t BufferedInput<Source, Unit>::read(Unit* destination, std::int32_t l
         pass(copied);
         total += copied;
     }
-    return total;
 }
 
 template <class Source, class Unit>

@@ -15,8 +15,9 @@ namespace qv::io::detail {
 /// The buffer holds the units from 0 up to `count_`, of which those from `pos_` on are still to be
 /// handed out. A mark is an index in the buffer. A refill keeps the units behind a live mark, and
 /// the buffer grows to the mark's limit for that; a mark whose limit is used up is given up. What
-/// the source throws passes through and leaves the mark and the units that are still to be handed
-/// out as they were; what the call had handed out by then is gone.
+/// the source throws passes through, and loses nothing: what the failed call had handed out comes
+/// again with the next one, and the mark is as it was, unless an earlier refill of that call has
+/// given it up. Only what a failed `skip` has passed stays passed.
 ///
 /// A read of at least the buffer's size goes past the buffer while no mark is live. A read that has
 /// units already does not wait for more: it ends where the source reports nothing available.
@@ -64,6 +65,9 @@ protected:
     const Unit* unread() const noexcept { return buffer_.get() + pos_; }
     std::int32_t unreadCount() const noexcept { return count_ - pos_; }
     void pass(std::int32_t count) noexcept { pos_ += count; }
+    /// Makes the units handed out last, `count` in all, the next to be handed out again: for a call
+    /// that the source has failed. The buffer grows if it has to.
+    void takeBack(const Unit* units, std::int32_t count);
 
 private:
     static constexpr std::int32_t noMark = -1;
@@ -72,6 +76,7 @@ private:
     void keepMarkedUnits();
     void fillFrom(std::int32_t offset);
     void refillGivingUpMark();
+    void readBlock(Unit* destination, std::int32_t length, std::int32_t& total);
 
     Wrapped<Source> in_;
     std::int32_t bufferSize_;

@@ -3,7 +3,7 @@
 #include "qv/Exceptions.h"
 #include "qv/text/charset/detail/Surrogates.h"
 
-#include <cassert>
+#include <algorithm>
 
 namespace qv::text::charset {
 
@@ -16,10 +16,10 @@ std::int32_t BTCMultiByte::convert(const signed char* src, std::int32_t* srcPos,
         u"Invalid byte sequence (decoded chars in surrogate range)"_lit;
     detail::Decoding decoding(src, srcPos, srcEnd, dst, dstPos, dstEnd);
     while (decoding.available() > 0) {
-        auto length = static_cast<int>(decoding.available());
+        const auto available = static_cast<int>(decoding.available());
+        int length = available;
         const unsigned int codePoint = convertBytes(decoding.in, length);
-        assert(length >= 0 && length <= decoding.available());
-        if (length == 0) {
+        if (length <= 0) {
             break;
         }
         if (codePoint == detail::replacementChar) {
@@ -30,7 +30,7 @@ std::int32_t BTCMultiByte::convert(const signed char* src, std::int32_t* srcPos,
                    !writeCodePoint(decoding, codePoint, 0, surrogateMessage)) {
             break;
         }
-        decoding.in += length;
+        decoding.in += std::min(length, available);
     }
     return decoding.commit();
 }

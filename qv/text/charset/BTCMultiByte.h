@@ -27,7 +27,8 @@ protected:
     BTCMultiByte() = default;
 
     /// Decodes one character at `bytes`. `length` is the number of bytes that are there, on return
-    /// those consumed; 0 means that more are needed.
+    /// those consumed; 0 means that more are needed. A number out of that range, as a module
+    /// outside the library may give it, counts as the nearest one in it.
     /// @return the code point; U+FFFD, or anything above U+10FFFF, for what has no character.
     virtual unsigned int convertBytes(const signed char* bytes, int& length) = 0;
 

@@ -13,23 +13,32 @@ namespace {
 /// Runs that a table is used for before runs without one are looked for again.
 constexpr int tableRuns = 4;
 
+/// The characters of eight bytes.
+__m128i lookUp(const signed char* in, const char16_t* table) noexcept {
+    const auto unit = [in, table](int index) {
+        return static_cast<short>(table[static_cast<unsigned char>(in[index])]);
+    };
+    return _mm_setr_epi16(unit(0), unit(1), unit(2), unit(3), unit(4), unit(5), unit(6), unit(7));
+}
+
 /// Decodes runs in which every byte has a character.
 void decodeRunsByTable(detail::Decoding& decoding, const char16_t* table) noexcept {
+    const __m128i none = detail::splat16(detail::replacementChar);
     detail::Decoding runs = decoding;
-    bool isWhole = true;
-    for (int run = 0; run < tableRuns && isWhole; ++run) {
+    for (int run = 0; run < tableRuns; ++run) {
         if (std::min(runs.available(), runs.room()) < detail::unitsPerRun) {
             break;
         }
-        for (int i = 0; i < detail::unitsPerRun; ++i) {
-            const char16_t unit = table[static_cast<unsigned char>(runs.in[i])];
-            runs.out[i] = unit;
-            isWhole &= unit != detail::replacementChar;
+        const __m128i first = lookUp(runs.in, table);
+        const __m128i second = lookUp(runs.in + 8, table);
+        if (detail::hasAny(
+                _mm_or_si128(_mm_cmpeq_epi16(first, none), _mm_cmpeq_epi16(second, none)))) {
+            break;
         }
-        if (isWhole) {
-            runs.in += detail::unitsPerRun;
-            runs.out += detail::unitsPerRun;
-        }
+        detail::storeVector(runs.out, first);
+        detail::storeVector(runs.out + 8, second);
+        runs.in += detail::unitsPerRun;
+        runs.out += detail::unitsPerRun;
     }
     decoding.follow(runs);
 }

@@ -26,9 +26,9 @@ public:
     // Slot order is contract from here on.
 
     /// Decodes from `src[*srcPos]` up to but not including `src[srcEnd]` into `dst[*dstPos]` and
-    /// on, never at or behind `dst[dstEnd]`, and writes the new positions back. Room behind the new
-    /// `*dstPos` may have been used as scratch. When an exception leaves, the positions are those
-    /// of the call.
+    /// on, never at or behind `dst[dstEnd]`, and writes the new positions back. What stands behind
+    /// the new `*dstPos` stays. When an exception leaves, the positions are those of the call, and
+    /// the output holds what was converted in front of the failure.
     /// @return units written by this call.
     /// @throws InvalidCharacterException, UnmappableCharacterException.
     virtual std::int32_t convert(const signed char* src, std::int32_t* srcPos, std::int32_t srcEnd,
@@ -40,7 +40,9 @@ public:
     virtual void reset() = 0;
     /// Borrows: the name, as long as the converter lives.
     virtual const char16_t* getEncodingName() = 0;
+    /// The longest byte form of one character, in bytes.
     virtual int getMaxBytesPerChar() = 0;
+    /// What the encoding states as its second bound: of use as a first guess, no more.
     virtual int getMaxCharsPerByte() = 0;
     virtual bool getSubstitutionMode();
     virtual void setSubstitutionMode(bool substitute);

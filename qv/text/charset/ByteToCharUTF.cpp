@@ -27,7 +27,7 @@ std::int32_t ByteToCharUTF::sameEncodingConvert(const signed char* src, std::int
         break;
     case detail::WordOrder::custom:
         for (std::int32_t i = 0; i < count; ++i) {
-            out[i] = convertUTF16(detail::loadWord<unsigned short>(in + 2 * i));
+            out[i] = convertUTF16(detail::loadWord<unsigned short>(in + std::ptrdiff_t{2} * i));
         }
         break;
     }

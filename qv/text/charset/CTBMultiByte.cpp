@@ -28,7 +28,7 @@ bool CTBMultiByte::convertUnit(detail::Encoding& encoding) {
     }
     signed char form[longestForm];
     const int length = convertChar(codePoint, form, longestForm);
-    if (length < 1) {
+    if (length < 1 || length > longestForm) {
         return replaceUnit(encoding);
     }
     if (encoding.room() < length) {

@@ -31,7 +31,7 @@ protected:
     CTBMultiByte() = default;
 
     /// Encodes one code point into at most `max` bytes at `out`.
-    /// @return the bytes written; below 1 for what has no form.
+    /// @return the bytes written; below 1, or above `max`, for what has no form.
     virtual int convertChar(unsigned int codePoint, signed char* out, int max) = 0;
 
     String encodingName_;

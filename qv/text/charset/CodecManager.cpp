@@ -1,5 +1,6 @@
 #include "qv/text/charset/CodecManager.h"
 
+#include "face/Library.h"
 #include "qv/text/charset/BTCCom.h"
 #include "qv/text/charset/CTBCom.h"
 #include "qv/text/charset/EncodingInfo.h"
@@ -24,7 +25,8 @@ Reference<IQVCharCodec> findComponent(const char16_t* name) {
     GUID classId;
     void* created = nullptr;
     if (QVComClassIDFromProgID(progId.getData(), &classId) < 0 ||
-        QVModuleComCreateObject(0, &classId, nullptr, &IID_IQVCharCodec, &created) < 0) {
+        QVModuleComCreateObject(face::identity(), &classId, nullptr, &IID_IQVCharCodec, &created) <
+            0) {
         return nullptr;
     }
     Reference<IQVCharCodec> codec(static_cast<IQVCharCodec*>(created));

@@ -22,6 +22,7 @@ public:
     /// Borrows: the manager, made on first use.
     /// @throws IllegalStateException before library start and after library end.
     static CodecManager* getInstance();
+    /// Destroys the manager, if there is one. Whatever `getInstance` gave is gone.
     static void freeInstance();
 
     /// Owns: the caller, the new decoder with its count at 0. Null for a name that nothing serves.

@@ -77,7 +77,7 @@ std::int32_t CTBASCII::convert(const char16_t* src, std::int32_t* srcPos, std::i
 const char16_t* CTBASCII::getEncodingName() { return u"ASCII"; }
 
 signed char CTBASCII::convertChar(char16_t unit) {
-    return unit < 0x80 ? static_cast<signed char>(unit) : 0;
+    return static_cast<signed char>(unit < 0x80 ? unit : 0);
 }
 
 std::int32_t BTCISO8859_1::convert(const signed char* src, std::int32_t* srcPos,
@@ -108,7 +108,7 @@ std::int32_t CTBISO8859_1::convert(const char16_t* src, std::int32_t* srcPos, st
 const char16_t* CTBISO8859_1::getEncodingName() { return u"ISO8859_1"; }
 
 signed char CTBISO8859_1::convertChar(char16_t unit) {
-    return unit < 0x100 ? static_cast<signed char>(unit) : 0;
+    return static_cast<signed char>(unit < 0x100 ? unit : 0);
 }
 
 BTCSingleByteTable::BTCSingleByteTable(const char16_t* name, const char16_t* table) noexcept

@@ -7,11 +7,22 @@
 #include "qv/GlobalLock.h"
 #include "qv/Results.h"
 #include "qv/text/charset/CodecManager.h"
+#include "qvcore/Module.h"
 #include "tests/lifecycle/UseLibrary.h"
+
+#include <cstdlib>
+#include <new>
 
 using namespace qv::face;
 
 namespace {
+
+/// How many allocations by `new` there is memory for.
+constexpr int unlimited = -1;
+int allocationsLeft = unlimited;
+
+/// What the platform layer was told of this module.
+bool isAnnounced() { return QVModuleIsInitialized(identity()) == 1; }
 
 bool isUp() { return g_pGlobalLock != nullptr; }
 
@@ -77,18 +88,77 @@ void otherReasonsDoNothing() {
 }
 
 void entryStartsAndEnds() {
+    CHECK(isAnnounced());                               // by the load notification
     CHECK(entry(nullptr, ProcessDetach, nullptr) == 1); // there is nothing to end
     checkDown();
+    CHECK(!isAnnounced());
     CHECK(entry(nullptr, ProcessAttach, nullptr) == 1);
     CHECK(isUp());
+    CHECK(isAnnounced());
     useLibrary("attached");
     CHECK(entry(nullptr, ProcessDetach, nullptr) == 1);
     checkDown();
+    CHECK(!isAnnounced());
     CHECK(entry(nullptr, ProcessAttach, nullptr) == 1); // for the notification at the exit
     CHECK(isUp());
 }
 
+/// Starts without memory for the allocation of that number. @return false if it was not needed.
+bool startFailsAt(int allocation) {
+    allocationsLeft = allocation;
+    const std::int32_t result = startLibrary();
+    allocationsLeft = unlimited;
+    if (result == 0) {
+        return false;
+    }
+    CHECK(result == qv::QV_E_OUTOFMEMORY);
+    return true;
+}
+
+void failedStartKeepsItsCountAndWhatItReached() {
+    CHECK(endLibrary() == 0);
+    int allocation = 0;
+    bool reachedTheLock = false;
+    for (; startFailsAt(allocation); ++allocation) {
+        CHECK(isUp() || !reachedTheLock); // what came up once comes up with more memory too
+        reachedTheLock = isUp();
+        CHECK(startLibrary() == 0); // counts, and tries nothing again
+        CHECK(isUp() == reachedTheLock);
+        CHECK(endLibrary() == 0);
+        CHECK(isUp() == reachedTheLock);
+        CHECK(endLibrary() == 0);
+        checkDown();
+        CHECK(endLibrary() == qv::QV_E_FAIL);
+    }
+    CHECK(reachedTheLock);
+    CHECK(allocation > 100); // a record and its places in the maps for each class
+    useLibrary("after-failures");
+}
+
+void entryTakesAFailedStart() {
+    CHECK(entry(nullptr, ProcessDetach, nullptr) == 1);
+    allocationsLeft = 50;
+    CHECK(entry(nullptr, ProcessAttach, nullptr) == 1);
+    allocationsLeft = unlimited;
+    CHECK(isUp());
+    CHECK(entry(nullptr, ProcessDetach, nullptr) == 1);
+    checkDown();
+    CHECK(entry(nullptr, ProcessAttach, nullptr) == 1);
+    useLibrary("after-a-failed-start");
+}
+
 } // namespace
+
+void* operator new(std::size_t size) {
+    void* const memory = allocationsLeft == 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    allocationsLeft -= allocationsLeft > 0 ? 1 : 0;
+    return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 int main() {
     CHECK(isUp());
@@ -98,6 +168,8 @@ int main() {
     failedEndsDoNotCount();
     otherReasonsDoNothing();
     entryStartsAndEnds();
+    failedStartKeepsItsCountAndWhatItReached();
+    entryTakesAFailedStart();
     std::puts("passed");
     return 0;
 }

@@ -181,6 +181,30 @@ TYPED_TEST(BufferedInputTest, AnEmptyRefillLooksLikeTheEnd) {
     EXPECT_EQ(in.read(), 'A');
 }
 
+/// Promises more than comes.
+template <class Slow>
+class PromisingSource : public Slow {
+public:
+    using Slow::Slow;
+    std::int32_t available() override { return 1; }
+};
+
+TYPED_TEST(BufferedInputTest, UnitsAtHandAreGivenWhereNoMoreComes) {
+    for (const std::int32_t length : {8, 60}) {
+        for (const int emptyReads : {0, 1}) {
+            const auto source = make<PromisingSource<typename TypeParam::Slow>>(
+                support::sequence<typename TypeParam::Unit>(5));
+            typename TypeParam::Buffered in(source, 16);
+            EXPECT_EQ(in.read(), 'A');
+            source->emptyReads = emptyReads;
+            EXPECT_EQ(this->readBlock(in, length), this->part(1, 5)) << length;
+            EXPECT_EQ(source->requests, (Lengths{16, length == 8 ? 16 : length - 4}));
+            typename TypeParam::Unit unit;
+            EXPECT_EQ(in.read(&unit, 1), -1);
+        }
+    }
+}
+
 TYPED_TEST(BufferedInputTest, SkipsThroughTheBuffer) {
     const auto source = this->source(40);
     typename TypeParam::Buffered in(source, 16);
@@ -335,6 +359,70 @@ TYPED_TEST(BufferedInputTest, AFailureOfTheSourceLeavesTheMark) {
         EXPECT_EQ(this->readBlock(in, 6), this->part(10, 16)) << "limit " << limit;
         EXPECT_EQ(in.read(), 'A' + 16);
     }
+}
+
+TYPED_TEST(BufferedInputTest, AReadThatFailsAtAnyOfItsPiecesLosesNothing) {
+    for (const std::int32_t length : {12, 15, 16, 30, 45}) {
+        for (int pieces = 0; pieces < 6; ++pieces) {
+            const auto source =
+                make<typename TypeParam::Slow>(support::sequence<typename TypeParam::Unit>(50), 5);
+            source->tellsAvailable = true;
+            typename TypeParam::Buffered in(source, 16);
+            EXPECT_EQ(this->readBlock(in, 2), this->part(0, 2));
+            source->failures = 1;
+            source->piecesBeforeFailures = pieces;
+            std::vector<typename TypeParam::Unit> block(100);
+            int start = 2;
+            try {
+                start += in.read(block.data(), length);
+            } catch (const io::IoException&) {
+            }
+            source->failures = 0;
+            std::vector<typename TypeParam::Unit> rest;
+            for (int unit = in.read(); unit != -1; unit = in.read()) {
+                rest.push_back(static_cast<typename TypeParam::Unit>(unit));
+            }
+            EXPECT_EQ(rest, this->part(start, 50)) << length << " units, " << pieces << " pieces";
+        }
+    }
+}
+
+TYPED_TEST(BufferedInputTest, AReadThatFailsPastTheBufferLosesNothing) {
+    const auto source = this->source(40);
+    source->tellsAvailable = true;
+    typename TypeParam::Buffered in(source, 16);
+    in.skip(10);
+    source->failures = 1;
+    typename TypeParam::Unit units[30];
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { in.read(units, 30); }),
+              "the source failed");
+    EXPECT_EQ(this->readBlock(in, 30), this->part(10, 40));
+}
+
+TYPED_TEST(BufferedInputTest, AReadThatFailsLeavesALiveMark) {
+    for (const int limit : {4, 30}) {
+        const auto source = this->source(40);
+        source->tellsAvailable = true;
+        typename TypeParam::Buffered in(source, 16);
+        in.skip(8);
+        in.mark(limit);
+        in.skip(3);
+        source->failures = 1;
+        typename TypeParam::Unit units[10];
+        EXPECT_THROW(in.read(units, 10), io::IoException);
+        EXPECT_EQ(in.read(), 'A' + 11) << "limit " << limit;
+        in.reset();
+        EXPECT_EQ(this->readBlock(in, 8), this->part(8, 16)) << "limit " << limit;
+    }
+}
+
+TYPED_TEST(BufferedInputTest, WhatAFailedSkipHasPassedStaysPassed) {
+    const auto source = this->source(40);
+    typename TypeParam::Buffered in(source, 16);
+    in.skip(10);
+    source->failures = 1;
+    EXPECT_THROW(in.skip(10), io::IoException);
+    EXPECT_EQ(in.read(), 'A' + 16);
 }
 
 TYPED_TEST(BufferedInputTest, RefusesEverythingBehindAClose) {

@@ -179,6 +179,22 @@ TEST(ByteArrayOutputStreamTest, WritesItselfInOneBlock) {
               (std::vector<std::vector<signed char>>{support::unitsOf<signed char>("abcdef")}));
 }
 
+TEST(ByteArrayOutputStreamTest, TakesItsOwnBytesAlsoWhereItMustGrow) {
+    io::ByteArrayOutputStream out(4);
+    out.write("abcd", 4);
+    out.writeTo(&out);
+    EXPECT_EQ(contents(out), support::unitsOf<signed char>("abcdabcd"));
+    out.writeTo(&out);
+    EXPECT_EQ(contents(out), support::unitsOf<signed char>("abcdabcdabcdabcd"));
+}
+
+TEST(ByteArrayOutputStreamTest, WritesNothingInOneBlockAsWell) {
+    const io::ByteArrayOutputStream out;
+    const auto sink = make<support::BlockOutputStream>();
+    out.writeTo(sink);
+    EXPECT_EQ(sink->blocks, std::vector<std::vector<signed char>>(1));
+}
+
 TEST(ByteArrayOutputStreamTest, IsTheTextOfItsBytes) {
     io::ByteArrayOutputStream out;
     const Object& object = out;

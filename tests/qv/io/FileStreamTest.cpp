@@ -2,6 +2,8 @@
 #include "qv/Results.h"
 #include "qv/io/FileInputStream.h"
 #include "qv/io/FileOutputStream.h"
+#include "qv/ipc/Semaphore.h"
+#include "qvcore/Encoding.h"
 #include "qvcore/File.h"
 #include "tests/support/ChildRole.h"
 #include "tests/support/Printing.h"
@@ -11,6 +13,7 @@
 #include "tests/support/Throws.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <set>
 #include <thread>
 
@@ -21,6 +24,9 @@ namespace {
 
 class FileStreamTest : public testing::Test {
 protected:
+    FileStreamTest() = default;
+    explicit FileStreamTest(const std::filesystem::path& parent) : folder(parent) {}
+
     String path(const char16_t* name = u"file") const {
         return String(folder.path().u16string().c_str()).append(u"/").append(name);
     }
@@ -210,6 +216,8 @@ TEST_F(FileStreamTest, ClosedStreamRefusesWritesUntilItIsOpened) {
     out.open();
     EXPECT_EQ(out.getHandle(), handle) << "an open stream stays as it is";
     EXPECT_EQ(out.getSize(), 3) << "opening again does not empty the file";
+    write(out, "X");
+    EXPECT_EQ(content(), "Xbc") << "nor does it go to the end";
 }
 
 TEST_F(FileStreamTest, StreamOverAHandleHasNoPathAndNoLocks) {
@@ -250,6 +258,59 @@ TEST_F(FileStreamTest, KeptClosedStreamThatWasEmptiedAddsWithoutAppend) {
     write(out, "one");
     write(out, "XY");
     EXPECT_EQ(content(), "oneXY");
+}
+
+TEST_F(FileStreamTest, KeptClosedStreamReopensAtTheEndWhereItBeganThere) {
+    make("old");
+    FileOutputStream out(path(), FileOutputStream::ATEND | FileOutputStream::KEEPCLOSED);
+    write(out, "one");
+    write(out, "two");
+    EXPECT_EQ(content(), "oldonetwo");
+}
+
+TEST_F(FileStreamTest, KeptClosedStreamOfNoOtherModeStartsAnewWithEachWrite) {
+    make("old text");
+    FileOutputStream out(path(), FileOutputStream::KEEPCLOSED);
+    write(out, "one");
+    write(out, "XY");
+    EXPECT_EQ(content(), "XYe text");
+}
+
+/// The name of a file's lock: its canonical path with `/` between the parts.
+std::string lockNameOf(const String& path) {
+    String canonical = util::FilePath(path).getCanonicalPath();
+    canonical.translate(u'\\', u'/');
+    char name[4000];
+    EXPECT_GT(QVUnicodeToAnsi(name, canonical.getData(), sizeof name), 0);
+    return name;
+}
+
+TEST_F(FileStreamTest, LockHasTheNameOfTheCanonicalPath) {
+    for (const unsigned int mode : {FileOutputStream::APPEND, FileOutputStream::LOCK}) {
+        std::filesystem::create_directories(folder.path() / "sub");
+        FileOutputStream out(path(u"sub/../fi\u00E9le"), mode);
+        ipc::Semaphore lock(lockNameOf(path(u"fi\u00E9le")).c_str(), 7);
+        EXPECT_EQ(lock.getValue(), 1);
+        out.wait();
+        EXPECT_EQ(lock.getValue(), 0);
+        out.signal();
+        EXPECT_EQ(lock.getValue(), 1);
+    }
+}
+
+TEST_F(FileStreamThreadsTest, LockThatCannotBeGivenBackIsStillHeld) {
+    ipc::Semaphore lock(lockNameOf(path()).c_str(), 0x7FFFFFFF);
+    FileOutputStream out(path(), FileOutputStream::APPEND);
+    out.wait();
+    lock.signal();
+    EXPECT_EQ(support::thrownResult([&] { out.signal(); }), QV_E_TOOMANYPOSTS);
+    std::thread other([&] { write(out, "other"); });
+    write(out, "first ");
+    lock.wait();
+    out.signal();
+    other.join();
+    EXPECT_EQ(content(), "first other");
+    EXPECT_EQ(lock.getValue(), 0x7FFFFFFF);
 }
 
 TEST_F(FileStreamTest, LongNamesOfAnyScriptHaveLocksOfTheirOwn) {
@@ -294,6 +355,63 @@ TEST_F(FileStreamTest, FailureToCloseIsThrownByReadersAndSwallowedByWriters) {
     ASSERT_EQ(QVFileClose(handle), 0);
     EXPECT_NO_THROW(out.close());
     EXPECT_EQ(out.is_open(), 1) << "not closed: still its handle";
+}
+
+TEST_F(FileStreamTest, DestructorOfAReaderLetsNoFailureOut) {
+    make("abc");
+    std::uint64_t handle = 0;
+    ASSERT_EQ(QVFileOpen(path().getData(), QV_FILE_READ, 0, &handle), 0);
+    auto in = std::make_unique<FileInputStream>(handle, true);
+    ASSERT_EQ(QVFileClose(handle), 0);
+    EXPECT_NO_THROW(in.reset());
+}
+
+TEST_F(FileStreamTest, FailureToFlushIsThrown) {
+    std::uint64_t handle = 0;
+    make("abc");
+    ASSERT_EQ(QVFileOpen(path().getData(), QV_FILE_WRITE, 0, &handle), 0);
+    FileOutputStream wrapper(handle, false);
+    EXPECT_NO_THROW(wrapper.flush());
+    ASSERT_EQ(QVFileClose(handle), 0);
+    EXPECT_EQ(support::thrownResult([&] { wrapper.flush(); }), QV_E_INVALIDHANDLE);
+
+    FileOutputStream keptClosed(path(), FileOutputStream::KEEPCLOSED);
+    keptClosed.open();
+    ASSERT_EQ(QVFileClose(keptClosed.getHandle()), 0);
+    EXPECT_EQ(support::thrownResult([&] { keptClosed.flush(); }), QV_E_INVALIDHANDLE);
+}
+
+/// Counts its flushes.
+class FlushedStream : public FileOutputStream {
+public:
+    using FileOutputStream::FileOutputStream;
+    void flush() override {
+        ++flushes;
+        FileOutputStream::flush();
+    }
+    int flushes = 0;
+};
+
+TEST_F(FileStreamTest, EveryWriteOfAKeptClosedStreamEndsWithAFlush) {
+    FlushedStream kept(path(), FileOutputStream::KEEPCLOSED | FileOutputStream::APPEND);
+    write(kept, "one");
+    write(kept, "two");
+    EXPECT_EQ(kept.flushes, 2);
+    FlushedStream open(path(), FileOutputStream::LOCK | FileOutputStream::APPEND);
+    write(open, "three");
+    EXPECT_EQ(open.flushes, 0);
+    EXPECT_EQ(content(), "onetwothree");
+}
+
+TEST_F(FileStreamTest, KeptClosedStreamThatIsOpenWritesWhereItStands) {
+    make("old text");
+    FileOutputStream out(path(), FileOutputStream::KEEPCLOSED);
+    out.open();
+    std::int64_t position = 0;
+    ASSERT_EQ(QVFileSeek64(out.getHandle(), 4, 0, &position), 0);
+    write(out, "X");
+    EXPECT_EQ(out.is_open(), 0);
+    EXPECT_EQ(content(), "old Xext");
 }
 
 TEST_F(FileStreamTest, EndIsAPlaceAtTheOpenAndTheLockMovesNothing) {
@@ -345,6 +463,38 @@ TEST_F(FileStreamTest, LockIsTakenForSeveralWritesByItsHolder) {
     EXPECT_EQ(content(), "abcd");
 }
 
+TEST_F(FileStreamTest, DroppedStreamGivesTheLockOfItsHolderBack) {
+    for (const unsigned int mode : {FileOutputStream::APPEND, FileOutputStream::LOCK,
+                                    FileOutputStream::LOCK | FileOutputStream::KEEPCLOSED}) {
+        ipc::Semaphore lock(lockNameOf(path()).c_str(), 1);
+        {
+            FileOutputStream out(path(), mode);
+            out.wait();
+            out.wait();
+            EXPECT_EQ(lock.getValue(), 0);
+        }
+        EXPECT_EQ(lock.getValue(), 1) << mode;
+    }
+}
+
+TEST_F(FileStreamTest, DroppedStreamThatHoldsNoLockLeavesItAlone) {
+    ipc::Semaphore lock(lockNameOf(path()).c_str(), 1);
+    lock.wait();
+    { FileOutputStream out(path(), FileOutputStream::APPEND); }
+    EXPECT_EQ(lock.getValue(), 0);
+    lock.signal();
+}
+
+TEST_F(FileStreamTest, DroppedStreamEndsAlsoWhereTheLockTakesNoMore) {
+    ipc::Semaphore lock(lockNameOf(path()).c_str(), 0x7FFFFFFF);
+    {
+        FileOutputStream out(path(), FileOutputStream::APPEND);
+        out.wait();
+        lock.signal();
+    }
+    EXPECT_EQ(lock.getValue(), 0x7FFFFFFF);
+}
+
 TEST_F(FileStreamTest, FailedWriteGivesItsLocksBack) {
     FileOutputStream out(path(), FileOutputStream::LOCK);
     out.close();
@@ -367,6 +517,7 @@ TEST_F(FileStreamTest, FailedReopenGivesItsLocksBack) {
 TEST_F(FileStreamThreadsTest, BlocksOfOneStreamAreWhole) {
     for (const unsigned int mode :
          {FileOutputStream::APPEND, FileOutputStream::APPEND | FileOutputStream::LOCK,
+          FileOutputStream::LOCK, FileOutputStream::KEEPCLOSED,
           FileOutputStream::LOCK | FileOutputStream::KEEPCLOSED | FileOutputStream::APPEND}) {
         constexpr int threadCount = 4;
         constexpr int blocks = 50;
@@ -389,6 +540,36 @@ TEST_F(FileStreamThreadsTest, BlocksOfOneStreamAreWhole) {
             ASSERT_EQ(all.substr(i, 100), std::string(99, all[i]) + "\n");
         }
     }
+}
+
+/// Each write opens the file anew and writes over its start: what stays is one whole block.
+TEST_F(FileStreamThreadsTest, OperationsOfAKeptClosedStreamAreNotInterleaved) {
+    FileOutputStream out(path(), FileOutputStream::KEEPCLOSED);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t) {
+        threads.emplace_back([&, t] {
+            const std::string block(1000, static_cast<char>('a' + t));
+            for (int i = 0; i < 30; ++i) {
+                write(out, block);
+            }
+        });
+    }
+    threads.emplace_back([&] {
+        for (int i = 0; i < 30; ++i) {
+            const std::int64_t size = out.getSize();
+            EXPECT_TRUE(size == 0 || size == 1000) << size;
+            out.open();
+            out.flush();
+            out.close();
+        }
+    });
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(out.is_open(), 0);
+    const std::string all = content();
+    ASSERT_EQ(all.size(), 1000u);
+    EXPECT_EQ(all, std::string(1000, all[0]));
 }
 
 TEST_F(FileStreamThreadsTest, HolderOfTheLockKeepsOtherThreadsOut) {
@@ -438,6 +619,8 @@ const support::ChildRole
 
 class FileStreamProcessTest : public FileStreamTest {
 protected:
+    FileStreamProcessTest() : FileStreamTest(support::TestFolder::fastParent()) {}
+
     void appendTogether(unsigned int mode, int lines) {
         std::vector<std::unique_ptr<support::TestProcess>> children;
         for (int p = 0; p < processes; ++p) {

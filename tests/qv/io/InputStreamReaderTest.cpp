@@ -133,6 +133,24 @@ TEST(InputStreamReaderTest, DoesNotWaitForMoreOnceItHasUnits) {
     EXPECT_EQ(in.read(units, 10), 4);
 }
 
+/// Says that a byte can be read although it has ended.
+class PromisingStream : public SlowInputStream {
+public:
+    using SlowInputStream::SlowInputStream;
+    std::int32_t available() override { return 1; }
+};
+
+TEST(InputStreamReaderTest, APairThatMeetsRoomForOneAtTheEndIsNotLost) {
+    for (const char16_t* const encoding : {u"UTF-8", u"UTF-16LE", u"UTF-32BE", u"AMP-7"}) {
+        for (const std::int32_t length : {1, 2, 3, 4, 5}) {
+            const std::u16string text = u"a\U0001F600\U0001F601bc\U0001F602";
+            const auto source = make<PromisingStream>(encoded(text, encoding));
+            io::InputStreamReader in(source, encoding);
+            EXPECT_EQ(readAll(in, length), text) << String(encoding).getBytes() << " " << length;
+        }
+    }
+}
+
 TEST(InputStreamReaderTest, WaitsForTheRestOfACharacter) {
     const auto source = make<SlowInputStream>(toBytes("\xE2\x82\xAC"), 1);
     io::InputStreamReader in(source, u"UTF-8");
@@ -197,6 +215,45 @@ TEST(InputStreamReaderTest, AFailureOfTheSourcePassesThroughAndLosesNothing) {
     source->failures = 1;
     EXPECT_EQ(support::thrownText<io::IoException>([&] { in.read(); }), "the source failed");
     EXPECT_EQ(in.read(), 0x20AC);
+}
+
+TEST(InputStreamReaderTest, WhatAFailedReadHadDecodedComesWithTheNext) {
+    for (int pieces = 0; pieces < 8; ++pieces) {
+        for (const std::int32_t length : {2, 3, 100}) {
+            const auto source = make<SlowInputStream>(
+                toBytes("ab\xE2\x82\xAC\xF0\x9F\x98\x80yz" // bytes of every place
+                        "cd\xE2\x82\xAC"),
+                3);
+            source->tellsAvailable = true;
+            source->failures = 1;
+            source->piecesBeforeFailures = pieces;
+            io::InputStreamReader in(source, u"UTF-8", 6);
+            std::u16string text;
+            char16_t units[100];
+            for (std::int32_t count = 0; count != -1;) {
+                try {
+                    count = in.read(units, length);
+                    EXPECT_LE(count, length);
+                    text.append(units, static_cast<std::size_t>(std::max(count, 0)));
+                } catch (const io::IoException&) {
+                }
+            }
+            EXPECT_EQ(text, u"ab\u20AC\U0001F600yzcd\u20AC") << pieces << ", " << length;
+        }
+    }
+}
+
+TEST(InputStreamReaderTest, UnitsBeforeABadSequenceComeBehindItsFailure) {
+    const auto source = make<SlowInputStream>(toBytes("abcdef\xED\xA0\x80"), 6);
+    source->tellsAvailable = true;
+    io::InputStreamReader in(source, u"UTF-8", 6);
+    char16_t units[10];
+    EXPECT_THROW(in.read(units, 10), text::charset::InvalidCharacterException);
+    EXPECT_EQ(in.read(units, 4), 4);
+    EXPECT_EQ(std::u16string(units, 4), u"abcd");
+    EXPECT_EQ(in.read(units, 10), 2);
+    EXPECT_EQ(std::u16string(units, 2), u"ef");
+    EXPECT_THROW(in.read(units, 10), text::charset::InvalidCharacterException);
 }
 
 TEST(InputStreamReaderTest, CountsTheCharactersThatAreSafelyAvailable) {

@@ -197,6 +197,17 @@ TEST_F(OutputStreamWriterTest, AFailureOfTheSinkLeavesWhatTheBufferHolds) {
     EXPECT_EQ(sink_->all(), toBytes("text"));
 }
 
+TEST_F(OutputStreamWriterTest, ASplitPairThatTheSinkDidNotTakeIsWrittenOnce) {
+    io::OutputStreamWriter out(sink_, u"AMP-7", 8);
+    out.write(u'\xD83D');
+    sink_->failures = 1;
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { out.write(u'\xDE00'); }),
+              "the sink failed"); // the pair fills the buffer
+    out.write(u"z");
+    out.flush();
+    EXPECT_EQ(sink_->all(), toBytes("&_1F600;z"));
+}
+
 TEST_F(OutputStreamWriterTest, TellsItsEncoding) {
     io::OutputStreamWriter out(sink_, u"utf8");
     EXPECT_EQ(String(out.getEncodingName()), u"UTF-8");

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -40,6 +41,19 @@ TEST(PrintWriterTest, PrintsEveryKindOfValue) {
     EXPECT_EQ(printed([](Out& out) { out.print(false); }), u"false");
 }
 
+TEST(PrintWriterTest, DecodesNarrowTextsWithTheDefaultEncoding) {
+    const char bytes[] = "caf\xC3\xA9 \xE2\x82\xAC \xFF";
+    const String expected(reinterpret_cast<const signed char*>(bytes), -1);
+    EXPECT_NE(expected, u"caf") << "there is more than ASCII";
+    EXPECT_EQ(printed([&](io::PrintWriter& out) { out.print(bytes); }), expected);
+    EXPECT_EQ(printed([&](io::PrintWriter& out) { out.println(bytes); }), expected + String(u"\n"));
+}
+
+TEST(PrintWriterTest, PrintsAFloatAsAFloat) {
+    EXPECT_EQ(printed([](io::PrintWriter& out) { out.print(0.1F); }), String::valueOf(0.1F));
+    EXPECT_EQ(printed([](io::PrintWriter& out) { out.print(0.1); }), String::valueOf(0.1));
+}
+
 TEST(PrintWriterTest, EndsALineWithASingleLineFeed) {
     using Out = io::PrintWriter;
     EXPECT_EQ(printed([](Out& out) { out.println(String(u"text")); }), u"text\n");
@@ -69,6 +83,36 @@ TEST(PrintWriterTest, PassesTextsOnInTheirForm) {
     out.print(u'e');
     EXPECT_EQ(sink->blocks,
               (std::vector<std::vector<char16_t>>{{'a', 0, 'b'}, toUnits("cd"), toUnits("e")}));
+}
+
+/// Writes down in which form it was given a text.
+class FormWriter : public io::Writer {
+public:
+    void write(const String&) override { forms.emplace_back("string"); }
+    void write(const char16_t*) override { forms.emplace_back("text"); }
+    void write(const char16_t*, std::int32_t) override { forms.emplace_back("block"); }
+    void write(char16_t) override { forms.emplace_back("unit"); }
+    void flush() override { forms.emplace_back("flush"); }
+    std::vector<std::string> forms;
+};
+
+TEST(PrintWriterTest, WritesByTheOperationOfTheSameType) {
+    using Forms = std::vector<std::string>;
+    const auto sink = make<FormWriter>();
+    io::PrintWriter out(sink, true);
+    out.print(String(u"a"));
+    out.print(u"b");
+    out.print(u'c');
+    EXPECT_EQ(std::exchange(sink->forms, {}), (Forms{"string", "text", "unit"}));
+    out.print("d");
+    out.print(1.5);
+    out.print(1.5F);
+    out.print(1L);
+    out.print(1);
+    out.print(true);
+    EXPECT_EQ(std::exchange(sink->forms, {}), Forms(6, "string"));
+    out.println(u"e");
+    EXPECT_EQ(sink->forms, (Forms{"text", "unit", "flush"}));
 }
 
 TEST(PrintWriterTest, OnlyPrintlnFlushesAndOnlyWhereAskedFor) {

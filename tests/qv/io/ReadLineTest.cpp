@@ -151,6 +151,47 @@ TEST(ReadLineTest, AFailureOfTheSourcePassesThrough) {
     EXPECT_EQ(in.readLine(line), 4);
 }
 
+/// Wherever the source fails, also between a carriage return and its line feed.
+TEST(ReadLineTest, ALineThatTheSourceFailedComesWhole) {
+    for (int pieces = 0; pieces < 12; ++pieces) {
+        const auto source =
+            make<support::SlowReader>(toUnits("1st\r\na line longer than the buffer\r\nlast"), 5);
+        source->failures = 1;
+        source->piecesBeforeFailures = pieces;
+        io::BufferedReader in(source, 16);
+        Lines lines;
+        int failures = 0;
+        String line;
+        for (std::int32_t length = 0; length != -1;) {
+            try {
+                length = in.readLine(line);
+                lines.push_back(support::units(line));
+            } catch (const io::IoException&) {
+                ++failures;
+            }
+        }
+        EXPECT_EQ(lines, (Lines{u"1st", u"a line longer than the buffer", u"last", u""})) << pieces;
+        EXPECT_EQ(failures, source->failures == 0 ? 1 : 0);
+    }
+}
+
+TEST(ReadLineTest, ALineThatFailsBehindAMarkComesAgainFromTheMark) {
+    const auto source = make<support::SlowReader>(toUnits("ab\rcd\n"), 3);
+    io::BufferedReader in(source, 16);
+    in.mark(10);
+    in.read();
+    source->failures = 1;
+    String line;
+    EXPECT_THROW(in.readLine(line), io::IoException);
+    EXPECT_EQ(in.readLine(line), 1);
+    EXPECT_EQ(line, u"b");
+    in.reset();
+    EXPECT_EQ(in.readLine(line), 2);
+    EXPECT_EQ(line, u"ab");
+    EXPECT_EQ(in.readLine(line), 2);
+    EXPECT_EQ(line, u"cd");
+}
+
 TEST(ReadLineTest, RefusesToReadBehindAClose) {
     io::BufferedReader in(make<support::SlowReader>(toUnits("line\n")), 16);
     in.close();

@@ -7,11 +7,13 @@
 #include "qv/io/MaskedConsoleInputStream.h"
 #include "qv/io/StdioInputStream.h"
 #include "qv/io/StdioOutputStream.h"
+#include "qvcore/File.h"
 #include "tests/support/ChildRole.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestProcess.h"
 #include "tests/support/Throws.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 
 using namespace qv;
@@ -64,6 +66,34 @@ const support::ChildRole stdinSkip("stdin-skip", [](const Arguments&) {
     return in.skip(0) == 0 ? 0 : 1;
 });
 
+/// The same over a file of six bytes.
+const support::ChildRole stdinFileSkip("stdin-file-skip", [](const Arguments& arguments) {
+    if (std::freopen(arguments[0].c_str(), "rb", stdin) == nullptr) {
+        return 1;
+    }
+    StdioInputStream in;
+    support::tell(std::to_string(in.read()));
+    for (const std::int32_t count : {3, -2, 0, 100}) {
+        support::tell(std::to_string(in.skip(count)));
+        support::tell(std::to_string(in.read()));
+    }
+    return 0;
+});
+
+/// What is thrown where standard input cannot be read.
+const support::ChildRole stdinFailure("stdin-failure", [](const Arguments&) {
+    if (QVFileClose(QVFileGetStandard(0)) < 0) {
+        return 1;
+    }
+    StdioInputStream in;
+    signed char bytes[8];
+    support::tell(support::thrownText<IoException>([&] { in.read(bytes, 8); }));
+    support::tell(support::thrownText<IoException>([&] { in.skip(1); }));
+    std::clearerr(stdin);
+    support::tell(support::thrownText<IoException>([&] { in.read(); }));
+    return 0;
+});
+
 std::vector<std::string> answers(const char* role, const std::string& input,
                                  const Arguments& arguments) {
     support::TestProcess child(role, arguments);
@@ -92,6 +122,10 @@ TEST(StdioInputStreamTest, ZeroByteCutsTheCount) {
               (Lines{"1:a", "1:c", "-1:"}));
 }
 
+TEST(StdioInputStreamTest, LineThatBeginsWithAZeroByteLooksLikeTheEnd) {
+    EXPECT_EQ(answers("stdin-blocks", std::string("\0ab\nc", 5), {"32"}), (Lines{"-1:"}));
+}
+
 TEST(StdioInputStreamTest, RoomForOneAsksForNothing) {
     EXPECT_EQ(answers("stdin-blocks", "abc", {"1"}), (Lines{"-1:"}));
 }
@@ -106,6 +140,19 @@ TEST(StdioInputStreamTest, BytesAreUnsignedAndEndInMinusOne) {
 
 TEST(StdioInputStreamTest, PipeSkipsNothing) {
     EXPECT_EQ(answers("stdin-skip", "abcdef", {}), (Lines{"0"}));
+}
+
+TEST(StdioInputStreamTest, FileSkipsByMovingItsPosition) {
+    const support::TestFolder folder;
+    const std::string path = (folder.path() / "file").string();
+    std::ofstream(path, std::ios::binary) << "abcdef";
+    EXPECT_EQ(answers("stdin-file-skip", "", {path}),
+              (Lines{"97", "3", "101", "-2", "100", "0", "101", "100", "-1"}));
+}
+
+TEST(StdioInputStreamTest, ErrorsHaveTheirTexts) {
+    EXPECT_EQ(answers("stdin-failure", "", {}),
+              (Lines{"stream read error", "stream seek error", "stream read error"}));
 }
 
 // --- StdioOutputStream ---
@@ -154,6 +201,40 @@ TEST(StdioFileOutputStreamTest, OwnedStreamIsClosedOnce) {
     FileInputStream in(String((folder.path() / "file").u16string().c_str()));
     signed char bytes[8];
     EXPECT_EQ(printable(bytes, in.read(bytes, 8)), "3:abc");
+}
+
+TEST(StdioFileOutputStreamTest, DestructorClosesWhatIsOwned) {
+    const support::TestFolder folder;
+    const std::string path = (folder.path() / "file").string();
+    std::FILE* const file = std::fopen(path.c_str(), "wb");
+    ASSERT_NE(file, nullptr);
+    {
+        StdioFileOutputStream out(file, false);
+        out.write(static_cast<signed char>('a'));
+    }
+    EXPECT_EQ(std::fputc('b', file), 'b') << "not owned: still open";
+    {
+        StdioFileOutputStream out(file, true);
+        out.write(static_cast<signed char>('c'));
+    }
+    FileInputStream in(String((folder.path() / "file").u16string().c_str()));
+    signed char bytes[8];
+    EXPECT_EQ(printable(bytes, in.read(bytes, 8)), "3:abc") << "written by the close";
+}
+
+TEST(StdioFileOutputStreamTest, ClosedStreamRefusesEverything) {
+    StdioFileOutputStream out(std::tmpfile(), true);
+    out.close();
+    EXPECT_EQ(support::thrownText<IoException>([&] { out.write("abc", 3); }), "stream write error");
+    EXPECT_EQ(support::thrownText<IoException>([&] { out.write(static_cast<signed char>('x')); }),
+              "stream write error");
+    EXPECT_EQ(support::thrownText<IoException>([&] { out.flush(); }), "stream flush error");
+}
+
+TEST(StdioFileOutputStreamTest, AFileThatCouldNotBeOpenedIsAClosedStream) {
+    StdioFileOutputStream out(nullptr, true);
+    EXPECT_EQ(support::thrownText<IoException>([&] { out.write("abc", 3); }), "stream write error");
+    EXPECT_NO_THROW(out.close());
 }
 
 TEST(StdioFileOutputStreamTest, WriteToAReadingStreamFailsWithItsText) {
@@ -213,6 +294,12 @@ TEST(MaskedConsoleInputStreamTest, EnterEndsTheLineAsALineFeed) {
 TEST(MaskedConsoleInputStreamTest, BackspaceForgetsTheLastKey) {
     EXPECT_EQ(masked("ab\bc\r"), "3:ac<lf>");
     EXPECT_EQ(masked("\b\ba\r"), "2:a<lf>") << "an empty line stays empty";
+}
+
+TEST(MaskedConsoleInputStreamTest, OtherKeysAreStored) {
+    EXPECT_EQ(masked("\x01\t\x1B\x7F\xE9\r"), "6:\x01\t\x1B\x7F\xE9<lf>");
+    EXPECT_EQ(masked("abc\bd", 3), "3:abc") << "the room is full before the backspace";
+    EXPECT_EQ(masked("ab\bcde", 3), "3:acd");
 }
 
 TEST(MaskedConsoleInputStreamTest, CtrlZEndsTheInput) {

@@ -53,6 +53,21 @@ TEST(WriterTest, RaisesWhatTheTextsBufferRefuses) {
     EXPECT_EQ(support::thrownResult([&] { writer.write(text); }), QV_E_FAIL);
 }
 
+/// A buffer that cannot be given back.
+class StuckBuffer : public util::RWCharBuffer {
+public:
+    StuckBuffer() : util::RWCharBuffer(u"ab", 3) {}
+    void releaseReadLock() const override { throw IllegalStateException(); }
+};
+
+TEST(WriterTest, RaisesWhatTheTextsBufferRefusesAtItsRelease) {
+    support::BlockWriter writer;
+    const Reference<StuckBuffer> buffer = make<StuckBuffer>();
+    const String text(String::ACQUIRE_SHARE, buffer);
+    EXPECT_EQ(support::thrownResult([&] { writer.write(text); }), QV_E_FAIL);
+    EXPECT_EQ(writer.all(), toUnits("ab")) << "it was written by then";
+}
+
 /// Tells how many read locks it has given.
 class CountingBuffer : public util::RWCharBuffer {
 public:

@@ -1,11 +1,13 @@
 #include "qv/ipc/SemaphoreR.h"
 
 #include "tests/support/ChildRole.h"
+#include "tests/support/StartedThread.h"
 #include "tests/support/TestProcess.h"
 #include "tests/support/Throws.h"
 #include "tests/support/UniqueName.h"
 
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <gtest/gtest.h>
 #include <thread>
@@ -110,7 +112,7 @@ TEST(SemaphoreRThreadsTest, WorksUnderTheGuardItIsGiven) {
     EXPECT_EQ(guard->GetRefCount(), 2U);
     guard->wait();
     std::atomic<bool> isTaken = false;
-    std::thread taker([&] {
+    std::thread taker = support::startedThread([&] {
         semaphore.wait();
         isTaken = true;
         semaphore.signal();
@@ -123,7 +125,25 @@ TEST(SemaphoreRThreadsTest, WorksUnderTheGuardItIsGiven) {
     guard->signal();
 }
 
-TEST(SemaphoreRThreadsTest, GivesTheGuardBackWhereTheWaitFails) {
+TEST(SemaphoreRThreadsTest, HasAGuardOfItsOwnWhereItIsGivenNone) {
+    const std::string name = uniqueName();
+    ipc::Semaphore outside(name.c_str(), 0);
+    ipc::SemaphoreR taken(name.c_str(), 0);
+    ipc::SemaphoreR other(uniqueName().c_str(), 1);
+    std::thread waiter = support::startedThread([&] { taken.wait(); });
+    std::future<bool> used = std::async(std::launch::async, [&] {
+        other.wait();
+        other.signal();
+        return true;
+    });
+    EXPECT_EQ(used.wait_for(std::chrono::seconds(20)), std::future_status::ready)
+        << "a thread that waits for one semaphore holds up the other";
+    outside.signal();
+    waiter.join();
+    EXPECT_TRUE(used.get());
+}
+
+TEST(SemaphoreRThreadsTest, GivesTheGuardBackWhereThePostFails) {
     const Reference<sync::Mutex> guard = make<sync::Mutex>();
     const std::string name = uniqueName();
     ipc::SemaphoreR semaphore(name.c_str(), 0x7FFFFFFF, guard);

@@ -2,10 +2,12 @@
 
 #include "tests/support/ChildRole.h"
 #include "tests/support/Slots.h"
+#include "tests/support/StartedThread.h"
 #include "tests/support/TestProcess.h"
 #include "tests/support/Throws.h"
 #include "tests/support/UniqueName.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -73,6 +75,12 @@ TEST(IpcSemaphoreTest, TakesAnyTextAsName) {
 TEST(IpcSemaphoreTest, RaisesWhatThePlatformRefuses) {
     EXPECT_EQ(support::thrownResult([] { ipc::Semaphore semaphore("", 1); }), QV_E_INVALIDARG);
     EXPECT_EQ(support::thrownResult([] { ipc::Semaphore semaphore(nullptr, 1); }), QV_E_INVALIDARG);
+    EXPECT_EQ(
+        support::thrownResult([] { ipc::Semaphore semaphore(uniqueName().c_str(), 0x80000000); }),
+        QV_E_INVALIDARG);
+    ipc::Semaphore full(uniqueName().c_str(), 0x7FFFFFFF);
+    EXPECT_EQ(support::thrownResult([&] { full.signal(); }), QV_E_TOOMANYPOSTS);
+    EXPECT_EQ(support::thrownText<ResultException>([&] { full.signal(); }), "");
 }
 
 TEST(IpcSemaphoreTest, IsSharedByProcesses) {
@@ -124,7 +132,12 @@ TEST(IpcSemaphoreTest, APlaceTakenByAProcessThatDiesComesBack) {
 TEST(IpcSemaphoreThreadsTest, WakesAWaiterOfAnotherThread) {
     const std::string name = uniqueName();
     ipc::Semaphore semaphore(name.c_str(), 0);
-    std::thread waiter([&] { semaphore.wait(); });
+    std::atomic<bool> isPosted = false;
+    std::thread waiter = support::startedThread([&] {
+        semaphore.wait();
+        EXPECT_TRUE(isPosted);
+    });
+    isPosted = true;
     semaphore.signal();
     waiter.join();
     EXPECT_EQ(semaphore.getValue(), 0);
@@ -132,6 +145,7 @@ TEST(IpcSemaphoreThreadsTest, WakesAWaiterOfAnotherThread) {
 
 TEST(IpcSemaphoreTest, HasItsOperationsInOrder) {
     support::expectConsecutive({
+        support::slotOf(&qv::Object::toString),
         support::slotOf(&sync::Object::wait),
         support::slotOf(&sync::Object::tryWait),
         support::slotOf(&ipc::Semaphore::signal),

@@ -72,6 +72,19 @@ TEST(SharedMemoryTest, RaisesAFailureToOpen) {
               "Failed to open shared memory.");
 }
 
+TEST(SharedMemoryTest, NeedsANameAndForANewBlockASize) {
+    for (const auto& open : {+[] { const ipc::SharedMemory none(nullptr, 100); },
+                             +[] { const ipc::SharedMemory none("", 100); },
+                             +[] { const ipc::SharedMemory none(uniqueName().c_str(), 0); }}) {
+        EXPECT_EQ(support::thrownResult(open), QV_E_INVALIDARG);
+    }
+    const std::string name = uniqueName();
+    const ipc::SharedMemory first(name.c_str(), blockSize);
+    const ipc::SharedMemory second(name.c_str(), 0);
+    std::strcpy(static_cast<char*>(first.get()), "whatever its size");
+    EXPECT_STREQ(static_cast<const char*>(second.get()), "whatever its size");
+}
+
 TEST(SharedMemoryTest, IsSharedByProcesses) {
     const std::string name = uniqueName();
     const ipc::SharedMemory memory(name.c_str(), blockSize);

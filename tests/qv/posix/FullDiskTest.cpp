@@ -7,11 +7,15 @@
 #include "qv/io/OutputStreamWriter.h"
 #include "qv/io/PrintWriter.h"
 #include "qv/io/StdioOutputStream.h"
+#include "qvcore/File.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/Throws.h"
 
+#include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace qv;
@@ -59,13 +63,24 @@ TEST(FullDiskTest, RuntimeStreamThrowsItsText) {
     EXPECT_EQ(support::thrownText<IoException>([&] { out.flush(); }), "stream flush error");
 }
 
+/// That reading a stream for writing sets its error flag is known of this system only.
+TEST(RuntimeStreamTest, AnEarlierErrorFailsABlock) {
+    const support::TestFolder folder;
+    std::FILE* const file = std::fopen((folder.path() / "file").c_str(), "wb");
+    ASSERT_NE(file, nullptr);
+    StdioFileOutputStream out(file, true);
+    ASSERT_EQ(std::fgetc(file), EOF);
+    ASSERT_NE(std::ferror(file), 0);
+    EXPECT_EQ(support::thrownText<IoException>([&] { out.write("abc", 3); }), "stream write error");
+    std::clearerr(file);
+    EXPECT_NO_THROW(out.write("def", 3));
+}
+
 TEST(FilePermissionTest, NewFilesAreTheirOwnersAlone) {
     const support::TestFolder folder;
     const std::filesystem::path path = folder.path() / "file";
     { FileOutputStream out(String(path.u16string().c_str()), false); }
-    EXPECT_EQ(std::filesystem::status(path).permissions() &
-                  (std::filesystem::perms::group_all | std::filesystem::perms::others_all),
-              std::filesystem::perms::none);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms::owner_all);
 }
 
 TEST(BrokenPipeTest, WriteThrowsItsResultAndRaisesNoSignal) {
@@ -74,6 +89,23 @@ TEST(BrokenPipeTest, WriteThrowsItsResultAndRaisesNoSignal) {
     close(ends[0]);
     FileOutputStream out(static_cast<std::uint64_t>(ends[1]), true);
     EXPECT_EQ(support::thrownResult([&] { out.write("abc", 3); }), QV_E_BROKENPIPE);
+}
+
+TEST(NoEndTest, AppendWritesNothingWhereThereIsNoEndToGoTo) {
+    const support::TestFolder folder;
+    const std::filesystem::path path = folder.path() / "pipe";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int reader = ::open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_NE(reader, -1);
+    FileOutputStream out(String(path.u16string().c_str()), FileOutputStream::APPEND);
+    std::int64_t position = 0;
+    const std::int32_t refusal = QVFileSeek64(out.getHandle(), 0, 2, &position);
+    EXPECT_LT(refusal, 0);
+    EXPECT_EQ(support::thrownResult([&] { out.write("abc", 3); }), refusal);
+    char byte = 0;
+    EXPECT_EQ(::read(reader, &byte, 1), -1) << "something was written";
+    EXPECT_EQ(errno, EAGAIN);
+    ::close(reader);
 }
 
 TEST(OpenHandleTest, RefusedFilesLeaveNone) {

@@ -3,6 +3,7 @@
 #include "qv/Object.h"
 #include "qv/Results.h"
 #include "qv/String.h"
+#include "qv/util/RWBuffer.h"
 
 #include <gtest/gtest.h>
 
@@ -107,6 +108,49 @@ TEST_F(InterfaceMapTest, OffsetRowCountsThroughTheInterface) {
     EXPECT_EQ(QueryInterfaceMap(qv::Object::GetComIntfMap(), &whole, IID_IQVComparable, &out), 0);
     EXPECT_EQ(out, static_cast<IQVComparable*>(&whole));
     EXPECT_EQ(whole.GetRefCount(), 2u);
+}
+
+/// A row as its table holds it: the id, 1 for an offset row or 0 for a chain, and the offset.
+struct MapRow {
+    const GUID* iid;
+    std::uintptr_t word;
+    std::size_t offset;
+};
+
+void expectRows(const InterfaceData* map, const std::vector<MapRow>& rows) {
+    for (const MapRow& row : rows) {
+        ASSERT_NE(map->entry.word, 0u);
+        if (row.iid == nullptr) {
+            EXPECT_EQ(map->iid, nullptr);
+            EXPECT_EQ(map->entry.function, &chainToObject);
+        } else {
+            ASSERT_NE(map->iid, nullptr);
+            EXPECT_TRUE(qv::equalGuids(*map->iid, *row.iid));
+            EXPECT_EQ(map->entry.word, row.word);
+            EXPECT_EQ(map->data, row.offset);
+        }
+        ++map;
+    }
+    EXPECT_EQ(map->entry.word, 0u);
+}
+
+/// How far behind the start of an object one of its interfaces stands.
+template <class Interface, class Class>
+std::size_t offsetOf(Class& object) {
+    return static_cast<std::size_t>(reinterpret_cast<char*>(static_cast<Interface*>(&object)) -
+                                    reinterpret_cast<char*>(&object));
+}
+
+TEST_F(InterfaceMapTest, ClassesHaveTheirRows) {
+    qv::Object whole;
+    qv::util::RWByteBuffer bytes;
+    expectRows(qv::ComObject::GetComIntfMap(), {{&IID_IQVUnknown, 1, 0}});
+    expectRows(qv::Object::GetComIntfMap(),
+               {{&IID_IQVComparable, 1, offsetOf<IQVComparable>(whole)}});
+    expectRows(qv::util::AbstractByteBuffer::GetComIntfMap(),
+               {{&IID_IQVByteBuffer, 1, offsetOf<IQVByteBuffer>(bytes)}, {nullptr, 0, 0}});
+    expectRows(qv::util::AbstractCharBuffer::GetComIntfMap(),
+               {{&IID_IQVCharBuffer, 1, offsetOf<IQVCharBuffer>(object)}, {nullptr, 0, 0}});
 }
 
 TEST_F(InterfaceMapTest, RowsAreThreeWords) { EXPECT_EQ(sizeof(InterfaceData), 24u); }

@@ -42,6 +42,12 @@ TEST(ConditionTest, RefusesAReleaseWithoutHolder) {
     EXPECT_EQ(support::thrownResult([&] { condition.release(); }), QV_E_NOTOWNER);
 }
 
+TEST(ConditionTest, RefusesAWaitWithoutHolder) {
+    sync::Condition condition;
+    EXPECT_EQ(support::thrownResult([&] { condition.wait(); }), QV_E_NOTOWNER);
+    EXPECT_EQ(support::thrownResult([&] { condition.wait(0); }), QV_E_NOTOWNER);
+}
+
 TEST(ConditionTest, ASignalWithoutWaiterLeavesNothingBehind) {
     sync::Condition condition;
     const sync::Condition::Holder holder(condition);
@@ -85,17 +91,21 @@ TEST(ConditionThreadsTest, AHolderReleasesOnReturn) {
 
 TEST(ConditionThreadsTest, ASignalWakesAWaiter) {
     sync::Condition condition;
+    bool isWaiting = false;
     bool isReady = false;
     std::thread waiter([&] {
         const sync::Condition::Holder holder(condition);
-        while (!isReady) {
-            condition.wait();
-        }
+        isWaiting = true;
+        condition.wait();
+        EXPECT_TRUE(isReady);
     });
-    {
+    for (bool isSignalled = false; !isSignalled; std::this_thread::yield()) {
         const sync::Condition::Holder holder(condition);
-        isReady = true;
-        condition.signal();
+        if (isWaiting) {
+            isReady = true;
+            condition.signal();
+            isSignalled = true;
+        }
     }
     waiter.join();
 }

@@ -2,8 +2,10 @@
 
 #include "qv/sync/detail/TimedWait.h"
 #include "tests/support/Slots.h"
+#include "tests/support/StartedThread.h"
 #include "tests/support/Throws.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -44,6 +46,25 @@ TEST(EventTest, ReportsTheEndOfTheTime) {
     EXPECT_FALSE(event.wait(5));
 }
 
+TEST(EventThreadsTest, HoldsAWaiterUntilItIsSignalled) {
+    sync::Event event;
+    sync::Event timedEvent;
+    std::atomic<bool> isSignalled = false;
+    std::thread waiter = support::startedThread([&] {
+        event.wait();
+        EXPECT_TRUE(isSignalled);
+    });
+    std::thread timedWaiter = support::startedThread([&] {
+        EXPECT_TRUE(timedEvent.wait(0xFFFFFFFF));
+        EXPECT_TRUE(isSignalled);
+    });
+    isSignalled = true;
+    event.signal();
+    timedEvent.signal();
+    waiter.join();
+    timedWaiter.join();
+}
+
 TEST(EventThreadsTest, WakesAWaiter) {
     sync::Event ask;
     sync::Event answer;
@@ -59,6 +80,7 @@ TEST(EventThreadsTest, WakesAWaiter) {
 TEST(EventTest, HasItsOperationsInOrder) {
     using Timed = bool (sync::Event::*)(std::uint32_t);
     support::expectConsecutive({
+        support::slotOf(&qv::Object::toString),
         support::slotOf(&sync::Object::wait),
         support::slotOf(&sync::Object::tryWait),
         support::slotOf(static_cast<Timed>(&sync::Event::wait)),

@@ -1,7 +1,9 @@
 #include "qv/sync/Gate.h"
 
 #include "tests/support/Slots.h"
+#include "tests/support/StartedThread.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -33,13 +35,21 @@ TEST(GateTest, HoldsWaitersAgainOnceClosed) {
     EXPECT_FALSE(gate.wait(0));
 }
 
-TEST(GateThreadsTest, OpeningLetsAllWaitersPass) {
+TEST(GateThreadsTest, HoldsItsWaitersUntilItOpensAndLetsAllPass) {
     sync::Gate gate;
+    std::atomic<bool> isOpen = false;
     std::vector<std::thread> waiters;
     for (int i = 0; i < 3; ++i) {
-        waiters.emplace_back([&] { gate.wait(); });
+        waiters.push_back(support::startedThread([&] {
+            gate.wait();
+            EXPECT_TRUE(isOpen);
+        }));
     }
-    waiters.emplace_back([&] { EXPECT_TRUE(gate.wait(0xFFFFFFFF)); });
+    waiters.push_back(support::startedThread([&] {
+        EXPECT_TRUE(gate.wait(0xFFFFFFFF));
+        EXPECT_TRUE(isOpen);
+    }));
+    isOpen = true;
     gate.open();
     for (std::thread& waiter : waiters) {
         waiter.join();
@@ -49,6 +59,7 @@ TEST(GateThreadsTest, OpeningLetsAllWaitersPass) {
 TEST(GateTest, HasItsOperationsInOrder) {
     using Timed = bool (sync::Gate::*)(std::uint32_t);
     support::expectConsecutive({
+        support::slotOf(&qv::Object::toString),
         support::slotOf(&sync::Object::wait),
         support::slotOf(&sync::Object::tryWait),
         support::slotOf(static_cast<Timed>(&sync::Gate::wait)),

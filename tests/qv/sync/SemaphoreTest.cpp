@@ -1,8 +1,10 @@
 #include "qv/sync/Semaphore.h"
 
 #include "tests/support/Slots.h"
+#include "tests/support/StartedThread.h"
 #include "tests/support/Throws.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -39,6 +41,26 @@ TEST(SemaphoreTest, RaisesWhatThePlatformRefuses) {
     EXPECT_EQ(semaphore.getValue(), 0x7FFFFFFF);
 }
 
+TEST(SemaphoreTest, RaisesAStartThatThePlatformRefuses) {
+    EXPECT_EQ(support::thrownResult([] { sync::Semaphore semaphore(0x80000000); }),
+              QV_E_INVALIDARG);
+    EXPECT_EQ(support::thrownText<ResultException>([] { sync::Semaphore semaphore(0xFFFFFFFF); }),
+              "");
+}
+
+TEST(SemaphoreThreadsTest, HoldsAWaiterAtZero) {
+    sync::Semaphore semaphore(0);
+    std::atomic<bool> isPosted = false;
+    std::thread waiter = support::startedThread([&] {
+        semaphore.wait();
+        EXPECT_TRUE(isPosted);
+    });
+    isPosted = true;
+    semaphore.signal();
+    waiter.join();
+    EXPECT_EQ(semaphore.getValue(), 0);
+}
+
 TEST(SemaphoreThreadsTest, WakesAWaiterOfAnotherThread) {
     sync::Semaphore asked(0);
     sync::Semaphore answered(0);
@@ -69,6 +91,7 @@ TEST(SemaphoreThreadsTest, LosesNoPost) {
 
 TEST(SemaphoreTest, HasItsOperationsInOrder) {
     support::expectConsecutive({
+        support::slotOf(&qv::Object::toString),
         support::slotOf(&sync::Object::wait),
         support::slotOf(&sync::Object::tryWait),
         support::slotOf(&sync::Semaphore::signal),

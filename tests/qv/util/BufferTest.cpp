@@ -123,6 +123,15 @@ TYPED_TEST(RWBufferTest, CopyConstructorCopies) {
     EXPECT_EQ(content(buffer), units);
 }
 
+TYPED_TEST(RWBufferTest, CopyHasAsMuchRoom) {
+    const auto units = numbered<TypeParam>(3);
+    const RWBuffer<TypeParam> buffer(units.data(), 3, 100);
+    const RWBuffer<TypeParam> copy(buffer);
+    EXPECT_EQ(capacityOf(copy), 112);
+    EXPECT_EQ(content(copy), units);
+    EXPECT_EQ(capacityOf(RWBuffer<TypeParam>(RWBuffer<TypeParam>(50))), 64);
+}
+
 TYPED_TEST(RWBufferTest, AssignmentCopiesAndSparesItself) {
     const auto units = numbered<TypeParam>(40);
     RWBuffer<TypeParam> buffer(units.data(), 40, 40);
@@ -236,7 +245,7 @@ class WholeBufferTest : public testing::Test {
 protected:
     /// A whole buffer with room for 20 units, which are in it.
     Reference<RWBuffer<Unit>> filled() {
-        Reference<RWBuffer<Unit>> buffer(RWBuffer<Unit>::makeWhole(20));
+        Reference buffer = RWBuffer<Unit>::makeWhole(20);
         std::copy(units.begin(), units.end(), buffer->getWriteLock(20));
         buffer->releaseWriteLock(20);
         return buffer;
@@ -246,7 +255,7 @@ protected:
 TYPED_TEST_SUITE(WholeBufferTest, Units);
 
 TYPED_TEST(WholeBufferTest, IsCountedAndRoundedAsOthers) {
-    const Reference<RWBuffer<TypeParam>> buffer(RWBuffer<TypeParam>::makeWhole(17));
+    const Reference buffer = RWBuffer<TypeParam>::makeWhole(17);
     EXPECT_EQ(buffer->GetRefCount(), 1u);
     EXPECT_EQ(buffer->getLength(), 0);
     EXPECT_EQ(capacityOf(*buffer), 32);
@@ -284,7 +293,7 @@ TYPED_TEST(WholeBufferTest, FreeExtraCutsToTheLength) {
 }
 
 TYPED_TEST(WholeBufferTest, FreeExtraOfAnEmptyOneLeavesNoStorage) {
-    const Reference<RWBuffer<TypeParam>> buffer(RWBuffer<TypeParam>::makeWhole(100));
+    const Reference buffer = RWBuffer<TypeParam>::makeWhole(100);
     buffer->freeExtra();
     EXPECT_EQ(buffer->getData(), nullptr);
     EXPECT_EQ(capacityOf(*buffer), 0);
@@ -426,6 +435,36 @@ TYPED_TEST(BufferComponentTest, TableHoldsTheOperationsInOrder) {
     EXPECT_EQ(table->getLength(face), 1);
 }
 
+/// A buffer whose native operations throw.
+template <class Unit>
+class ThrowingBuffer : public RWBuffer<Unit> {
+public:
+    const Unit* getReadLock() const override { throw ResultException(QV_E_BUSY); }
+    void releaseReadLock() const override { throw Exception(); }
+    Unit* getWriteLock(int) override { throw OutOfMemoryException(); }
+    Unit* ensureCapacity(int) override { throw std::bad_alloc(); }
+    void releaseWriteLock(int) override { throw ResultException(QV_E_TIMEOUT); }
+    void freeExtra() override { throw 1; }
+};
+
+TYPED_TEST(BufferComponentTest, WhatTheNativeTwinsThrowBecomesResults) {
+    ThrowingBuffer<TypeParam> buffer;
+    IBuffer<TypeParam>& face = buffer;
+    TypeParam unit = 0;
+    const TypeParam* read = &unit;
+    EXPECT_EQ(face.GetReadLock(&read), QV_E_BUSY);
+    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(face.ReleaseReadLock(), QV_E_FAIL);
+    TypeParam* data = &unit;
+    EXPECT_EQ(face.GetWriteLock(1, &data), QV_E_OUTOFMEMORY);
+    EXPECT_EQ(data, nullptr);
+    data = &unit;
+    EXPECT_EQ(face.EnsureCapacity(1, &data), QV_E_OUTOFMEMORY);
+    EXPECT_EQ(data, nullptr);
+    EXPECT_EQ(face.ReleaseWriteLock(1), QV_E_TIMEOUT);
+    EXPECT_EQ(face.FreeExtra(), QV_E_FAIL);
+}
+
 TYPED_TEST(BufferComponentTest, AnswersItsInterfaceAndThoseOfObjects) {
     RWBuffer<TypeParam> buffer;
     buffer.AddRef();
@@ -481,6 +520,43 @@ TEST(QVCopyCharBufferTest, CopiesAStringToAStringAndAnEmptyOne) {
     EXPECT_EQ(QVCopyCharBuffer(&target, &empty), 0);
     EXPECT_EQ(target, u"");
     EXPECT_EQ(source, u"text");
+}
+
+/// A buffer that writes its locks down, and whose release succeeds with a number of its own.
+class TracedBuffer : public RWCharBuffer {
+public:
+    explicit TracedBuffer(std::string& trace) : trace_(trace) {}
+    std::int32_t GetReadLock(const char16_t** data) const noexcept override {
+        trace_ += "read ";
+        return RWCharBuffer::GetReadLock(data);
+    }
+    std::int32_t ReleaseReadLock() const noexcept override {
+        trace_ += "read-end ";
+        return RWCharBuffer::ReleaseReadLock();
+    }
+    std::int32_t GetWriteLock(int capacity, char16_t** data) noexcept override {
+        trace_ += "write(" + std::to_string(capacity) + ") ";
+        return RWCharBuffer::GetWriteLock(capacity, data);
+    }
+    std::int32_t ReleaseWriteLock(int length) noexcept override {
+        trace_ += "write-end(" + std::to_string(length) + ")";
+        static_cast<void>(RWCharBuffer::ReleaseWriteLock(length));
+        return 7;
+    }
+
+private:
+    std::string& trace_;
+};
+
+TEST(QVCopyCharBufferTest, LocksTheTargetAroundTheSourceAndGivesItsReleasesResult) {
+    std::string trace;
+    TracedBuffer source(trace);
+    TracedBuffer target(trace);
+    std::copy_n(u"abc", 3, source.RWCharBuffer::getWriteLock(3));
+    source.RWCharBuffer::releaseWriteLock(3);
+    EXPECT_EQ(QVCopyCharBuffer(&target, &source), 7);
+    EXPECT_EQ(trace, "write(3) read read-end write-end(3)");
+    EXPECT_EQ(content(target), content(source));
 }
 
 TEST(QVCopyCharBufferTest, FailureLeavesTheLengthOfTheTarget) {

@@ -72,12 +72,66 @@ TEST(CommandLineParserTest, QuotesProtectValues) {
     EXPECT_EQ(parsed(u"-a=\"x y"), "a(x) y") << "a quote that does not close protects nothing";
 }
 
+TEST(CommandLineParserTest, QuotesThatAreNotAtTheHeadOfAValueProtectNoBlanks) {
+    EXPECT_EQ(parsed(u"-a=b=\"x y\""), "a(b=\"x) y\"") << "the second sign is part of the value";
+    EXPECT_EQ(parsed(u"-a=1,,\"x y\""), "a(1|\"x) y\"") << "a quote behind a second comma";
+    EXPECT_EQ(parsed(u"-a=\"\",\"x y\""), "a(|\"x) y\"") << "an empty value takes no comma along";
+    EXPECT_EQ(parsed(u"-a\"=x y\""), "a\"(x) y\"");
+}
+
+TEST(CommandLineParserTest, QuoteBehindAQuotedValueOpensAnother) {
+    EXPECT_EQ(parsed(u"-a=\"x y\"\"p q\" b"), "a(x y|p q) b");
+    EXPECT_EQ(parsed(u"-a=\"x y\"z,w b"), "a(x y|z|w) b");
+    EXPECT_EQ(parsed(u"-a=\"x y\", b"), "a(x y) b");
+    EXPECT_EQ(parsed(u"-a=\"x y\" \"p q\""), "a(x y) p q");
+    EXPECT_EQ(parsed(u"-a=1, b"), "a(1) b");
+}
+
 TEST(CommandLineParserTest, QuotesProtectParameters) {
     EXPECT_EQ(parsed(u"\"a b\" c"), "a b c");
     EXPECT_EQ(parsed(u"x \"a b\" c"), "x a b c");
     EXPECT_EQ(parsed(u"\"\" c"), " c") << "an empty parameter";
     EXPECT_EQ(parsed(u"\"-x\""), "x()") << "quotes do not protect a switch character";
     EXPECT_EQ(parsed(u"\"-in=/tmp/a b.txt\""), "in(/tmp/a b.txt)");
+}
+
+TEST(CommandLineParserTest, QuoteBehindAQuotedTokenCountsBehindAnyBlanks) {
+    // A quoted token takes all the delimiters behind it along.
+    CommandLineParser parser;
+    parser.parse(u"\"a b\"   \"c d\" e");
+    ASSERT_EQ(parser.getParameterCount(), 3);
+    EXPECT_EQ(parser.getParameter(1)->getValueString(0), u"c d");
+    EXPECT_EQ(parsed(u"-a=\"x\",,\"y z\",w"), "a(x|y z|w)");
+}
+
+TEST(CommandLineParserTest, QuoteThatDoesNotCloseTakesTheRest) {
+    CommandLineParser parser;
+    parser.parse(u"a \" b c");
+    ASSERT_EQ(parser.getParameterCount(), 2);
+    EXPECT_EQ(parser.getParameter(1)->getValueString(0), u" b c");
+    EXPECT_EQ(parsed(u"\""), "") << "nothing stands behind it";
+    EXPECT_EQ(parsed(u"a \""), "a");
+}
+
+TEST(CommandLineParserTest, StringIsParsedLikeItsUnits) {
+    const String line(u"-a=1 \"b c\"");
+    CommandLineParser parser;
+    parser.parse(line);
+    EXPECT_EQ(written(parser), "a(1) b c");
+    EXPECT_EQ(line, u"-a=1 \"b c\"") << "a copy is taken apart";
+    EXPECT_EQ(parser.getParameter(0)->getName(), u"");
+    EXPECT_EQ(parser.getParameter(0)->getPosition(), 1);
+    parser.parse(String());
+    EXPECT_EQ(parser.getElementCount(), 0);
+}
+
+TEST(CommandLineParserTest, StringThatWrapsARangeIsParsedUpToItsEnd) {
+    const String line(u"-a=1 b -c d");
+    CommandLineParser parser;
+    parser.parse(String(String::ACQUIRE_WRAP, line, 0, 6));
+    EXPECT_EQ(parser.getElementCount(), 2);
+    EXPECT_EQ(parser.getValueString(u"a"), u"1");
+    EXPECT_FALSE(parser.isPresent(u"c"));
 }
 
 TEST(CommandLineParserTest, QuoteBehindTwoBlanksIsKept) {
@@ -104,6 +158,8 @@ TEST_F(DefinedOptionTest, TakesItsValuesFromTheTokensBehindIt) {
     EXPECT_EQ(parse(u"-o a b c"), "o(a|b) c");
     EXPECT_EQ(parse(u"-o a"), "o(a)");
     EXPECT_EQ(parse(u"-o \"a b\" c d"), "o(a b|c) d");
+    EXPECT_EQ(parse(u"-o \"\" b c"), "o(|b) c") << "an empty value is one";
+    EXPECT_EQ(parse(u"\"-o\" a b c"), "o(a|b) c");
     EXPECT_EQ(parse(u"-x 5"), "x() 5") << "an option without a definition takes none";
 }
 
@@ -117,6 +173,15 @@ TEST_F(DefinedOptionTest, HasItsDefaultsAtTheEndAndInFrontOfAnOption) {
 TEST_F(DefinedOptionTest, CountPlaysNoPartBehindAnEqualsSign) {
     EXPECT_EQ(parse(u"-o=1,2,3 4"), "o(1|2|3) 4");
     EXPECT_EQ(parse(u"-o= 4"), "o() 4");
+}
+
+TEST_F(DefinedOptionTest, TakesNoTokenWhereNoneIsExpected) {
+    parser.defineOption(u"v", 0, u"d");
+    EXPECT_EQ(parse(u"-v x"), "v() x") << "neither the token nor the default";
+    EXPECT_EQ(parse(u"-v"), "v(d)");
+    EXPECT_EQ(parse(u"-v -v x"), "v(d) v() x");
+    parser.defineOption(u"n", -1, nullptr);
+    EXPECT_EQ(parse(u"-n x"), "n() x");
 }
 
 TEST_F(DefinedOptionTest, LosesATokenThatOpensAnOption) {
@@ -223,6 +288,23 @@ TEST(CommandLineParserTest, ArgumentsAreJoined) {
     EXPECT_EQ(parser.getParameter(0)->getValueString(0), u"program");
     parser.parse(0, arguments);
     EXPECT_EQ(parser.getElementCount(), 0);
+}
+
+TEST(CommandLineParserTest, ArgumentsAreJoinedAsTheyStand) {
+    char quoted[] = "a\"b c";
+    char empty[] = "";
+    char bare[] = "\"d";
+    char* arguments[] = {quoted, nullptr};
+    CommandLineParser parser;
+    parser.parse(1, arguments);
+    EXPECT_EQ(written(parser), "a b c\"") << "a quote inside is not escaped";
+    EXPECT_EQ(parser.getElementCount(), 3);
+    char* blanks[] = {bare, empty, bare, nullptr};
+    parser.parse(3, blanks);
+    // The text is `"d  "d ` with a quoted run up to the second quote.
+    EXPECT_EQ(parser.getElementCount(), 2);
+    EXPECT_EQ(parser.getElement(0)->getValueString(0), u"d  ");
+    EXPECT_EQ(parser.getElement(1)->getValueString(0), u"d");
 }
 
 TEST(CommandLineParserTest, ValuesAreConverted) {

@@ -6,6 +6,7 @@
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 using namespace qv;
@@ -82,6 +83,25 @@ const Normalized normalized[] = {
     {u"../.", u"../"},
     {u"a/../../b", u"../b"},
     {u"a/../.", u"./"},
+    {u"a/../..", u".."},
+    {u"a/../../..", u"../.."},
+    {u"a/b/../..", u""},
+    {u".././", u".././"},
+    {u".././a", u"../a"},
+    {u"..//a", u"../a"},
+    {u".//a", u"a"},
+    {u"../.a", u"../.a"},
+    {u"../..a", u"../..a"},
+    {u"./..", u".."},
+    {u"./../a", u"../a"},
+    {u"/.", u"/"},
+    {u"/..", u""},
+    {u"/../", u""},
+    {u"/../a", u"a"},
+    {u"/a/..", u"/"},
+    {u"/.a", u"/.a"},
+    {u"/..a", u"/..a"},
+    {u"/...", u"/..."},
 };
 INSTANTIATE_TEST_SUITE_P(Table, PathNormalizerTest, testing::ValuesIn(normalized));
 
@@ -103,6 +123,13 @@ TEST(PathNormalizerTypeTest, NulInsideATextIsAUnitLikeAnyOther) {
 }
 
 // --- FilePath ---
+
+static_assert(std::is_base_of_v<CopyObject, FilePath>);
+
+/// Shows what only subclasses see.
+struct OpenPath : FilePath {
+    using FilePath::s_UNCLead;
+};
 
 struct Parts {
     const char16_t* text;
@@ -182,6 +209,8 @@ TEST(FilePathTest, BadRootsAreRefused) {
 TEST(FilePathTest, DelimitersAreFixed) {
     EXPECT_EQ(FilePath::dirDelim, u'\\');
     EXPECT_EQ(FilePath::pathDelim, u';');
+    EXPECT_EQ(String(OpenPath::s_UNCLead), u"\\\\");
+    EXPECT_EQ(OpenPath::s_UNCLead.length, 2);
 }
 
 TEST(FilePathTest, ChildPathIsAlwaysEmpty) { EXPECT_EQ(FilePath(u"a").getChildPath(u"b"), u""); }
@@ -193,6 +222,16 @@ TEST(FilePathTest, AbsolutePathStandsBehindTheCurrentDirectory) {
     EXPECT_EQ(FilePath(u"a/../b").getAbsolutePath(), current + String(u"b"));
     EXPECT_EQ(FilePath(u"/x").getAbsolutePath(), u"\\x");
     EXPECT_EQ(FilePath(u"\\\\s\\h\\x").getAbsolutePath(), u"\\\\s\\h\\x");
+}
+
+TEST(FilePathTest, CurrentDirectoryThatIsARootHasOneSeparator) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(before.root_path());
+    const String current = FilePath::getCurrentDir();
+    std::filesystem::current_path(before);
+    EXPECT_TRUE(current.endsWith(u"\\"));
+    EXPECT_FALSE(current.endsWith(u"\\\\"));
+    EXPECT_EQ(FilePath(current).getRootLength(), current.getLength());
 }
 
 TEST(FilePathTest, CanonicalPathIsExpanded) {

@@ -1,6 +1,7 @@
 #include "qv/util/MTBuffer.h"
 
 #include "qv/util/BufferLocks.h"
+#include "tests/support/StartedThread.h"
 #include "tests/support/Throws.h"
 
 #include <atomic>
@@ -13,6 +14,23 @@
 namespace {
 
 using namespace qv;
+
+/// A thread asked for a side of a lock that it would have to wait for by its own doing.
+constexpr auto wouldDeadlock = static_cast<std::int32_t>(0x8007046B);
+
+/// Shows the room.
+template <class Unit>
+class OpenBuffer : public util::MTBuffer<Unit> {
+public:
+    using util::MTBuffer<Unit>::MTBuffer;
+    using util::MTBuffer<Unit>::getCapacity;
+    Unit* ensureCapacity(int capacity) override {
+        asked.push_back(capacity);
+        return util::MTBuffer<Unit>::ensureCapacity(capacity);
+    }
+    /// What room was asked for.
+    std::vector<int> asked;
+};
 
 template <class Unit>
 class MTBufferTest : public testing::Test {
@@ -97,6 +115,15 @@ TYPED_TEST(MTBufferTest, AssignmentToItselfChangesNothing) {
     EXPECT_EQ(this->contents(buffer), this->expected_);
 }
 
+TYPED_TEST(MTBufferTest, AWriteLockMakesItsRoomThroughTheSlotOfEnsureCapacity) {
+    OpenBuffer<TypeParam> buffer(this->units_, 3, 0);
+    const TypeParam* const data = buffer.getWriteLock(40);
+    EXPECT_EQ(data, buffer.getData());
+    EXPECT_EQ(buffer.asked, std::vector<int>{40});
+    EXPECT_EQ(buffer.getCapacity(), 48);
+    buffer.releaseWriteLock(-1);
+}
+
 TYPED_TEST(MTBufferTest, AWriterMayGrowTheBufferUnderItsLock) {
     util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
     buffer.getWriteLock(3);
@@ -113,6 +140,70 @@ TYPED_TEST(MTBufferTest, FreeExtraCutsTheRoomAndGivesTheLockBack) {
     EXPECT_EQ(buffer.getData(), nullptr);
     buffer.getWriteLock(1);
     buffer.releaseWriteLock(0);
+}
+
+TYPED_TEST(MTBufferTest, FreeExtraCutsTheRoomToTheUnits) {
+    OpenBuffer<TypeParam> buffer(this->units_, 3, 1000);
+    EXPECT_EQ(buffer.getCapacity(), 1008);
+    buffer.freeExtra();
+    EXPECT_EQ(buffer.getCapacity(), 16);
+    EXPECT_EQ(this->contents(buffer), this->expected_);
+    util::IBuffer<TypeParam>& face = buffer;
+    TypeParam* data = nullptr;
+    ASSERT_EQ(face.GetWriteLock(100, &data), QV_S_OK);
+    ASSERT_EQ(face.ReleaseWriteLock(-1), QV_S_OK);
+    EXPECT_EQ(buffer.getCapacity(), 112);
+    EXPECT_EQ(face.FreeExtra(), QV_S_OK);
+    EXPECT_EQ(buffer.getCapacity(), 16);
+    EXPECT_EQ(this->contents(buffer), this->expected_);
+}
+
+TYPED_TEST(MTBufferTest, FreeExtraIsRefusedToAThreadThatHoldsALock) {
+    OpenBuffer<TypeParam> buffer(this->units_, 3, 1000);
+    util::IBuffer<TypeParam>& face = buffer;
+    buffer.getReadLock();
+    EXPECT_EQ(support::thrownResult([&] { buffer.freeExtra(); }), wouldDeadlock);
+    EXPECT_EQ(face.FreeExtra(), wouldDeadlock);
+    buffer.releaseReadLock();
+    buffer.getWriteLock(3);
+    EXPECT_EQ(support::thrownResult([&] { buffer.freeExtra(); }), wouldDeadlock);
+    buffer.releaseWriteLock(-1);
+    EXPECT_EQ(buffer.getCapacity(), 1008);
+    EXPECT_EQ(this->contents(buffer), this->expected_);
+}
+
+TYPED_TEST(MTBufferTest, AComponentWriteLockWithoutMemoryStaysHeld) {
+    util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
+    util::IBuffer<TypeParam>& face = buffer;
+    TypeParam unit{};
+    TypeParam* data = &unit;
+    EXPECT_EQ(face.GetWriteLock(std::numeric_limits<int>::max(), &data), QV_E_OUTOFMEMORY);
+    EXPECT_EQ(data, nullptr);
+    const TypeParam* read = &unit;
+    EXPECT_EQ(face.GetReadLock(&read), wouldDeadlock);
+    EXPECT_EQ(read, nullptr);
+    EXPECT_EQ(face.ReleaseWriteLock(-1), QV_S_OK);
+    EXPECT_EQ(face.GetReadLock(&read), QV_S_OK);
+    EXPECT_EQ(read, buffer.getData());
+    EXPECT_EQ(face.ReleaseReadLock(), QV_S_OK);
+}
+
+TYPED_TEST(MTBufferThreadsTest, FreeExtraWaitsForReadersAndWriters) {
+    for (const bool isWriting : {false, true}) {
+        util::MTBuffer<TypeParam> buffer(1000);
+        std::atomic<bool> isReleased = false;
+        isWriting ? static_cast<void>(buffer.getWriteLock(0))
+                  : static_cast<void>(buffer.getReadLock());
+        std::thread other = support::startedThread([&] {
+            buffer.freeExtra();
+            EXPECT_TRUE(isReleased);
+        });
+        EXPECT_NE(buffer.getData(), nullptr);
+        isReleased = true;
+        isWriting ? buffer.releaseWriteLock(0) : buffer.releaseReadLock();
+        other.join();
+        EXPECT_EQ(buffer.getData(), nullptr);
+    }
 }
 
 TYPED_TEST(MTBufferTest, ALockThatIsNotHeldIsNotReleased) {
@@ -143,8 +234,9 @@ TYPED_TEST(MTBufferTest, AnswersOnTheComponentFace) {
 TYPED_TEST(MTBufferThreadsTest, AWriteLockWithoutMemoryStaysHeld) {
     util::MTBuffer<TypeParam> buffer(this->units_, 3, 0);
     EXPECT_THROW(buffer.getWriteLock(std::numeric_limits<int>::max()), std::bad_alloc);
+    EXPECT_EQ(support::thrownResult([&] { buffer.getReadLock(); }), wouldDeadlock);
     std::atomic<bool> isRead = false;
-    std::thread reader([&] {
+    std::thread reader = support::startedThread([&] {
         const util::BufferReadLock<TypeParam> lock(buffer);
         isRead = true;
     });
@@ -170,7 +262,7 @@ TYPED_TEST(MTBufferThreadsTest, ReadersHoldTheirLocksTogetherAndAWriterWaitsForB
         buffer.releaseReadLock();
     });
     bothRead.get_future().wait();
-    std::thread writer([&] {
+    std::thread writer = support::startedThread([&] {
         buffer.getWriteLock(3);
         isWritten = true;
         buffer.releaseWriteLock(0);

@@ -55,6 +55,42 @@ TEST(WindowsFileTest, IsNotInherited) {
     EXPECT_EQ(QVFileClose(file), 0);
 }
 
+TEST(WindowsFileTest, AHiddenFileIsEmptiedAndStaysHidden) {
+    const TestFolder folder;
+    const std::u16string path = folder.file(u"file");
+    constexpr std::uint32_t anew = QV_FILE_WRITE | QV_FILE_CREATE | QV_FILE_TRUNCATE;
+    std::uint64_t file = QV_FILE_NONE;
+    ASSERT_EQ(QVFileOpen(path.c_str(), anew, 0700, &file), 0);
+    EXPECT_EQ(QVFileWrite(file, "old", 3), 0);
+    EXPECT_EQ(QVFileClose(file), 0);
+    ASSERT_TRUE(SetFileAttributesW(wide(path), FILE_ATTRIBUTE_HIDDEN));
+    ASSERT_EQ(QVFileOpen(path.c_str(), anew, 0700, &file), 0);
+    std::int64_t size = -1;
+    EXPECT_EQ(QVFileGetSize(file, &size), 0);
+    EXPECT_EQ(size, 0);
+    EXPECT_EQ(QVFileClose(file), 0);
+    EXPECT_NE(GetFileAttributesW(wide(path)) & FILE_ATTRIBUTE_HIDDEN, 0u);
+}
+
+TEST(WindowsFileTest, AWriteOfNothingIsNoEndOfAPipe) {
+    HANDLE out = nullptr;
+    HANDLE in = nullptr;
+    ASSERT_TRUE(CreatePipe(&in, &out, nullptr, 0));
+    DWORD written = 0;
+    EXPECT_TRUE(WriteFile(out, "", 0, &written, nullptr));
+    EXPECT_EQ(QVFileWrite(handleOf(out), "", 0), 0);
+    EXPECT_EQ(QVFileWrite(handleOf(out), "x", 1), 0);
+    char taken = 0;
+    std::uint32_t count = 0;
+    EXPECT_EQ(QVFileRead(handleOf(in), &taken, 1, &count), 0);
+    EXPECT_EQ(count, 1u);
+    EXPECT_EQ(taken, 'x');
+    EXPECT_EQ(QVFileClose(handleOf(out)), 0);
+    EXPECT_EQ(QVFileRead(handleOf(in), &taken, 1, &count), 0);
+    EXPECT_EQ(count, 0u) << "the end";
+    EXPECT_EQ(QVFileClose(handleOf(in)), 0);
+}
+
 TEST(WindowsFileTest, RefusesAPathThatTheSystemCannotSpell) {
     const TestFolder folder;
     std::uint64_t file = 77;

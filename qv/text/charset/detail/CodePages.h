@@ -109,7 +109,7 @@ struct InversePage {
                 start = end;
                 end += 256;
             }
-            bytes[static_cast<std::size_t>(start + (unit & 0xFF))] =
+            bytes[static_cast<std::size_t>(start) + (unit & 0xFF)] =
                 static_cast<unsigned char>(byte);
         }
     }

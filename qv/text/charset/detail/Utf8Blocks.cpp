@@ -41,6 +41,9 @@ using ShuffleTable = std::array<Shuffle, 256>;
 // Byte", Software: Practice and Experience 51 (2021), with other error classes. Source for the
 // shuffles by table: D. Lemire, W. Mula, "Transcoding Billions of Unicode Characters per Second
 // with SIMD Instructions", Software: Practice and Experience 52 (2022).
+//
+// Vectors are stored whole, and the last ones of a block reach behind its end: what stood there is
+// read first and put back behind the last block, so that the caller sees nothing of it.
 
 /// What is wrong, or not for a kernel, about a byte and the one behind it.
 enum PairError : unsigned char {
@@ -166,25 +169,43 @@ QV_TARGET_SSE42 inline unsigned endsOf(const Window& w) noexcept {
     return static_cast<unsigned>(open) ^ 0xFFFFu;
 }
 
-/// Writes the units of eight bytes. @return the end of what was written; eight units are scratch.
+/// Writes the units of eight bytes. @return the end of what was written; eight units are touched.
 QV_TARGET_SSE42 inline char16_t* gather(char16_t* out, __m128i units, unsigned ends) noexcept {
     storeVector(out, _mm_shuffle_epi8(units, loadRow(gathers[ends].bytes)));
     return out + _mm_popcnt_u32(ends);
 }
 
-/// Writes the characters that end in a window. Requires: no errors in it.
-QV_TARGET_SSE42 inline char16_t* writeEnded(char16_t* out, const Window& w) noexcept {
+/// Writes the characters that end in a window, at `ends`. Requires: no errors in it.
+QV_TARGET_SSE42 inline char16_t* writeEnded(char16_t* out, const Window& w,
+                                            unsigned ends) noexcept {
     const __m128i zero = _mm_setzero_si128();
     const __m128i isTail = _mm_cmpgt_epi8(zero, w.bytes);
     const __m128i low = _mm_and_si128(w.bytes, splat8(0x7F));
     const __m128i middle = _mm_and_si128(w.before, _mm_and_si128(isTail, splat8(0x3F)));
     const __m128i high = _mm_slli_epi16(_mm_subs_epu8(w.twoBefore, splat8(0xE0)), 4);
-    const unsigned ends = endsOf(w);
     const __m128i first = _mm_or_si128(_mm_unpacklo_epi8(low, high),
                                        _mm_slli_epi16(_mm_unpacklo_epi8(middle, zero), 6));
     const __m128i second = _mm_or_si128(_mm_unpackhi_epi8(low, high),
                                         _mm_slli_epi16(_mm_unpackhi_epi8(middle, zero), 6));
     return gather(gather(out, first, ends & 0xFF), second, ends >> 8);
+}
+
+struct Block {
+    Window first, second, third, fourth;
+};
+
+/// Writes the characters that end in a block. Up to eight units behind them are touched: what stood
+/// there is left in `behind`.
+/// @return the end of what was written.
+QV_TARGET_SSE42 inline char16_t* writeBlock(char16_t* out, const Block& block,
+                                            __m128i& behind) noexcept {
+    const unsigned ends = endsOf(block.first) | endsOf(block.second) << 16;
+    const unsigned laterEnds = endsOf(block.third) | endsOf(block.fourth) << 16;
+    behind = loadVector(out + _mm_popcnt_u32(ends) + _mm_popcnt_u32(laterEnds));
+    out = writeEnded(out, block.first, ends & 0xFFFF);
+    out = writeEnded(out, block.second, ends >> 16);
+    out = writeEnded(out, block.third, laterEnds & 0xFFFF);
+    return writeEnded(out, block.fourth, laterEnds >> 16);
 }
 
 /// Bytes at the end of a converted block that begin a character without ending it.
@@ -194,8 +215,13 @@ inline int openBytes(const signed char* blockEnd) noexcept {
     return two ? 2 : one ? 1 : 0;
 }
 
+/// Units that a block touches: as many as it has bytes, and the rest of the last vector.
+constexpr int decodedRoom = utf8BlockBytes + 8;
+
 QV_TARGET_SSE42 inline void decodeBlocks(Decoding& decoding) noexcept {
-    while (decoding.available() >= utf8BlockBytes && decoding.room() >= utf8BlockBytes) {
+    char16_t* spilled = nullptr; // the end of a block that reached behind it
+    __m128i behind = _mm_setzero_si128();
+    while (decoding.available() >= utf8BlockBytes && decoding.room() >= decodedRoom) {
         const __m128i v0 = loadVector(decoding.in);
         const __m128i v1 = loadVector(decoding.in + 16);
         const __m128i v2 = loadVector(decoding.in + 32);
@@ -207,6 +233,7 @@ QV_TARGET_SSE42 inline void decodeBlocks(Decoding& decoding) noexcept {
             storeWidened(decoding.out + 48, v3);
             decoding.in += utf8BlockBytes;
             decoding.out += utf8BlockBytes;
+            spilled = nullptr;
             continue;
         }
         const Window w0 = window(v0, _mm_setzero_si128());
@@ -216,14 +243,15 @@ QV_TARGET_SSE42 inline void decodeBlocks(Decoding& decoding) noexcept {
         const __m128i found = _mm_or_si128(_mm_or_si128(errors(w0), errors(w1)),
                                            _mm_or_si128(errors(w2), errors(w3)));
         if (!_mm_testz_si128(found, found)) {
-            return;
+            break;
         }
-        char16_t* out = writeEnded(decoding.out, w0);
-        out = writeEnded(out, w1);
-        out = writeEnded(out, w2);
-        decoding.out = writeEnded(out, w3);
+        decoding.out = writeBlock(decoding.out, {w0, w1, w2, w3}, behind);
+        spilled = decoding.out;
         decoding.in += utf8BlockBytes;
         decoding.in -= openBytes(decoding.in);
+    }
+    if (spilled != nullptr) {
+        storeVector(spilled, behind);
     }
 }
 
@@ -285,30 +313,37 @@ QV_TARGET_SSE42 inline __m128i lacksAll(__m128i words, int mask) noexcept {
     return _mm_cmpeq_epi16(_mm_and_si128(words, splat16(mask)), _mm_setzero_si128());
 }
 
-/// Writes eight units below 0x800. @return the end of what was written; sixteen bytes are scratch.
-QV_TARGET_SSE42 inline signed char* writePairs(signed char* out, __m128i units) noexcept {
-    const __m128i isOne = lacksAll(units, 0xFF80);
+/// The bytes of eight units below 0x800. `ones` are the bits of those with one byte.
+QV_TARGET_SSE42 inline __m128i packPairs(__m128i units, __m128i isOne, unsigned ones) noexcept {
     const __m128i lead = _mm_srli_epi16(units, 6);
     const __m128i last = _mm_slli_epi16(_mm_and_si128(units, splat16(0x3F)), 8);
     const __m128i pairs = _mm_or_si128(_mm_or_si128(lead, last), splat16(0x80C0));
-    const int ones = _mm_movemask_epi8(_mm_packs_epi16(isOne, _mm_setzero_si128()));
-    const __m128i bytes = _mm_blendv_epi8(pairs, units, isOne);
-    storeVector(out,
-                _mm_shuffle_epi8(bytes, loadRow(pairPacks[static_cast<unsigned>(ones)].bytes)));
-    return out + 16 - _mm_popcnt_u32(static_cast<unsigned>(ones));
+    return _mm_shuffle_epi8(_mm_blendv_epi8(pairs, units, isOne), loadRow(pairPacks[ones].bytes));
 }
 
-/// Writes four units in four bytes each (see `triplePacks`). @return the end of what was written;
-/// sixteen bytes are scratch.
-QV_TARGET_SSE42 inline signed char* packTriples(signed char* out, __m128i bytes,
-                                                unsigned mask) noexcept {
-    storeVector(out, _mm_shuffle_epi8(bytes, loadRow(triplePacks[mask].bytes)));
-    return out + 12 - _mm_popcnt_u32(mask);
+/// Writes sixteen units below 0x800, and nothing behind them. @return the end of what was written.
+QV_TARGET_SSE42 inline signed char* writePairs(signed char* out, __m128i first,
+                                               __m128i second) noexcept {
+    const __m128i firstIsOne = lacksAll(first, 0xFF80);
+    const __m128i secondIsOne = lacksAll(second, 0xFF80);
+    const auto ones =
+        static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(firstIsOne, secondIsOne)));
+    signed char* const end = out + 32 - _mm_popcnt_u32(ones);
+    const __m128i behind = loadVector(end);
+    storeVector(out, packPairs(first, firstIsOne, ones & 0xFF));
+    storeVector(out + 16 - _mm_popcnt_u32(ones & 0xFF), packPairs(second, secondIsOne, ones >> 8));
+    storeVector(end, behind);
+    return end;
 }
 
-/// Writes eight units that are no surrogates. @return the end of what was written; 28 bytes are
-/// scratch.
-QV_TARGET_SSE42 inline signed char* writeTriples(signed char* out, __m128i units) noexcept {
+/// Eight units in four bytes each (see `triplePacks`). The low byte of `masks` tells which have one
+/// byte, the high one which have one or two.
+struct Triples {
+    __m128i first, second;
+    unsigned masks;
+};
+
+QV_TARGET_SSE42 inline Triples spread(__m128i units) noexcept {
     const __m128i isOne = lacksAll(units, 0xFF80);
     const __m128i isOneOrTwo = lacksAll(units, 0xF800);
     const __m128i lead = _mm_or_si128(_mm_srli_epi16(units, 12), splat16(0xE0));
@@ -320,10 +355,32 @@ QV_TARGET_SSE42 inline signed char* writeTriples(signed char* out, __m128i units
     const __m128i last = _mm_blendv_epi8(tail, units, isOne);
     const __m128i firstTwo = _mm_or_si128(lead, _mm_slli_epi16(middle, 8));
     const auto masks = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(isOne, isOneOrTwo)));
-    out =
-        packTriples(out, _mm_unpacklo_epi16(firstTwo, last), (masks & 0x0F) | (masks >> 4 & 0xF0));
-    return packTriples(out, _mm_unpackhi_epi16(firstTwo, last),
-                       (masks >> 4 & 0x0F) | (masks >> 8 & 0xF0));
+    return {_mm_unpacklo_epi16(firstTwo, last), _mm_unpackhi_epi16(firstTwo, last), masks};
+}
+
+/// Writes four units. @return the end of what was written; sixteen bytes are touched.
+QV_TARGET_SSE42 inline signed char* packTriples(signed char* out, __m128i bytes,
+                                                unsigned mask) noexcept {
+    storeVector(out, _mm_shuffle_epi8(bytes, loadRow(triplePacks[mask].bytes)));
+    return out + 12 - _mm_popcnt_u32(mask);
+}
+
+QV_TARGET_SSE42 inline signed char* packTriples(signed char* out, const Triples& units) noexcept {
+    out = packTriples(out, units.first, (units.masks & 0x0F) | (units.masks >> 4 & 0xF0));
+    return packTriples(out, units.second, (units.masks >> 4 & 0x0F) | (units.masks >> 8 & 0xF0));
+}
+
+/// Writes sixteen units that are no surrogates, and nothing behind them.
+/// @return the end of what was written.
+QV_TARGET_SSE42 inline signed char* writeTriples(signed char* out, __m128i first,
+                                                 __m128i second) noexcept {
+    const Triples one = spread(first);
+    const Triples two = spread(second);
+    signed char* const end = out + 48 - _mm_popcnt_u32(one.masks | two.masks << 16);
+    const __m128i behind = loadVector(end);
+    packTriples(packTriples(out, one), two);
+    storeVector(end, behind);
+    return end;
 }
 
 QV_TARGET_SSE42 inline bool hasSurrogates(__m128i units) noexcept {
@@ -351,11 +408,11 @@ QV_TARGET_SSE42 inline void narrowBlocks(Encoding& encoding) noexcept {
     }
 }
 
-/// Bytes that eight units may take, scratch included.
-constexpr int encodedRoom = 32;
+/// Bytes that sixteen units touch: three each, and the rest of the last vector.
+constexpr int encodedRoom = 64;
 
 QV_TARGET_SSE42 inline bool canEncode(const Encoding& encoding) noexcept {
-    return encoding.available() >= utf8BlockUnits && encoding.room() >= 2 * encodedRoom;
+    return encoding.available() >= utf8BlockUnits && encoding.room() >= encodedRoom;
 }
 
 /// Blocks behind one that is not ASCII which are not taken for ASCII either: in most languages
@@ -369,9 +426,9 @@ QV_TARGET_SSE42 inline bool encodeLetters(Encoding& encoding) noexcept {
         const __m128i first = loadVector(encoding.in);
         const __m128i second = loadVector(encoding.in + 8);
         if (hasNone(_mm_or_si128(first, second), 0xF800)) {
-            encoding.out = writePairs(writePairs(encoding.out, first), second);
+            encoding.out = writePairs(encoding.out, first, second);
         } else if (!hasSurrogates(first) && !hasSurrogates(second)) {
-            encoding.out = writeTriples(writeTriples(encoding.out, first), second);
+            encoding.out = writeTriples(encoding.out, first, second);
         } else {
             return false;
         }

@@ -6,7 +6,7 @@
 
 namespace qv::text::charset::detail {
 
-/// Bytes that a decoding kernel looks at together, and the units it wants free for them.
+/// Bytes that a decoding kernel looks at together.
 inline constexpr int utf8BlockBytes = 64;
 /// Units that an encoding kernel looks at together.
 inline constexpr int utf8BlockUnits = 16;
@@ -16,8 +16,8 @@ inline constexpr int utf8BlockUnits = 16;
 /// A kernel converts blocks as long as the input is of the plainest sort, and moves the
 /// conversion's pointers behind what it converted, always between two characters. It stops at
 /// anything that needs a decision: a bad byte, a surrogate on either side, a character beyond
-/// U+FFFF, less room than the largest result of a block. It reads and writes nothing outside the
-/// two ranges, but uses the room behind what it wrote as scratch.
+/// U+FFFF, less room than the largest result of a block and a vector more. It reads and writes
+/// nothing outside the two ranges, and leaves the room behind what it wrote as it was.
 struct Utf8Blocks {
     void (*decode)(Decoding& decoding) noexcept;
     void (*encode)(Encoding& encoding) noexcept;

@@ -122,6 +122,8 @@ TEST(CodecManagerTest, UnknownNamesGiveNull) {
     EXPECT_EQ(nameOfEncoder(u""), nullptr);
     const std::u16string longName(5000, u'x');
     EXPECT_EQ(nameOfDecoder(longName.c_str()), nullptr);
+    EXPECT_EQ(nameOfDecoder(nullptr), nullptr);
+    EXPECT_EQ(nameOfEncoder(nullptr), nullptr);
 }
 
 TEST(CodecManagerTest, CodePageNumbersFindTheirEncodings) {
@@ -144,6 +146,8 @@ TEST(CodecManagerTest, FirstRegistrationOfANameWins) {
     manager->registerCodec(u"ascii", u"qv::text::charset::CTBUTF8", u"qv::text::charset::BTCUTF8");
     EXPECT_EQ(String(nameOfDecoder(u"ASCII")), u"ASCII");
     EXPECT_EQ(String(nameOfEncoder(u"ASCII")), u"ASCII");
+    // What does nothing does not look for its classes either.
+    EXPECT_NO_THROW(manager->registerCodec(u"Ascii", u"no class", u"no class"));
 }
 
 TEST(CodecManagerTest, NewRegistrationServesItsTwoClasses) {
@@ -151,6 +155,16 @@ TEST(CodecManagerTest, NewRegistrationServesItsTwoClasses) {
                                                u"qv::text::charset::BTCUTF8");
     EXPECT_EQ(String(nameOfDecoder(u"X-MIXED")), u"UTF-8");
     EXPECT_EQ(String(nameOfEncoder(u"x-mixed")), u"CP437");
+}
+
+TEST(CodecManagerTest, LongNamesCountInFull) {
+    const std::u16string name(200, u'x');
+    CodecManager::getInstance()->registerCodec((name + u"a").c_str(), u"qv::text::charset::CTBUTF8",
+                                               u"qv::text::charset::BTCUTF8");
+    EXPECT_EQ(String(nameOfDecoder((name + u"A").c_str())), u"UTF-8");
+    EXPECT_EQ(String(nameOfEncoder((name + u"a").c_str())), u"UTF-8");
+    EXPECT_EQ(nameOfDecoder((name + u"b").c_str()), nullptr);
+    EXPECT_EQ(nameOfDecoder(name.c_str()), nullptr);
 }
 
 TEST(CodecManagerTest, RegistrationOfUnknownClassesThrowsAndAddsNothing) {

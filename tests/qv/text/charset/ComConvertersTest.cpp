@@ -23,13 +23,17 @@ namespace {
 
 constexpr std::int32_t failure = QV_E_UNAVAILABLE;
 
+/// How far DecodeChar comes before it fails.
+enum class Failing { beforeEverything, behindTheLength, behindTheCodePoint };
+
 /// What a test's codec does; the codecs of a test share one.
 struct Behaviour {
     std::int32_t nameResult = 0;
     std::int32_t bytesResult = 0;
     std::int32_t charsResult = 0;
     std::int32_t codeResult = 0; ///< of DecodeChar and EncodeChar
-    int formLength = 2;          ///< bytes that EncodeChar appends
+    Failing failing = Failing::behindTheLength;
+    int formLength = 2; ///< bytes that EncodeChar appends
     int alive = 0;
 };
 
@@ -68,18 +72,22 @@ public:
     }
     std::int32_t DecodeChar(const signed char* bytes, int& length,
                             unsigned int* codePoint) override {
+        const bool fails = behaviour_.codeResult < 0;
+        if (fails && behaviour_.failing == Failing::beforeEverything) {
+            return behaviour_.codeResult;
+        }
         if (length < 2) {
             length = 0;
             return QV_S_OK;
         }
         length = 2;
-        if (behaviour_.codeResult < 0) {
+        if (fails && behaviour_.failing == Failing::behindTheLength) {
             return behaviour_.codeResult;
         }
         *codePoint = bytes[0] == '!'   ? 0xFFFD
                      : bytes[0] == 'w' ? 0x110000u
                                        : static_cast<unsigned>(bytes[0] << 8 | bytes[1]);
-        return QV_S_OK;
+        return behaviour_.codeResult;
     }
     std::int32_t EncodeChar(unsigned int codePoint, IQVByteBuffer* bytes) override {
         if (behaviour_.codeResult < 0) {
@@ -99,6 +107,12 @@ public:
 private:
     Behaviour& behaviour_;
 };
+
+TEST(IQVCharCodecTest, IdentifierIsThePublishedOne) {
+    const GUID published = {
+        0xE9DE4D9A, 0xBF89, 0x4A97, {0xB9, 0x74, 0x1F, 0x50, 0xBC, 0x5A, 0x8C, 0x61}};
+    EXPECT_TRUE(equalGuids(IID_IQVCharCodec, published));
+}
 
 TEST(IQVCharCodecTest, OperationsStandInTheirOrder) {
     using C = IQVCharCodec;
@@ -162,6 +176,22 @@ TEST(BTCComTest, FailingCodecGivesTheReplacementCharacter) {
     EXPECT_EQ(support::decodeAll(*decoder, "abcd"), u"\uFFFD\uFFFD");
     decoder->setSubstitutionMode(false);
     EXPECT_EQ(support::decode(*decoder, "ab").failure, Failure::unmappableCharacter);
+}
+
+TEST(BTCComTest, CodePointOfAFailingCodecCounts) {
+    Behaviour behaviour;
+    const Reference<BTCCom> decoder = make<BTCCom>(new TestCodec(behaviour));
+    behaviour.codeResult = failure;
+    behaviour.failing = Failing::behindTheCodePoint;
+    EXPECT_EQ(support::decodeAll(*decoder, "ABww"), u"\u4142\uFFFD");
+}
+
+TEST(BTCComTest, FailingCodecThatTouchesNothingHasConsumedEverything) {
+    Behaviour behaviour;
+    const Reference<BTCCom> decoder = make<BTCCom>(new TestCodec(behaviour));
+    behaviour.codeResult = failure;
+    behaviour.failing = Failing::beforeEverything;
+    EXPECT_EQ(support::decodeAll(*decoder, "abcde"), u"\uFFFD");
 }
 
 TEST(CTBComTest, EncodesThroughTheCodec) {
@@ -275,6 +305,16 @@ TEST_F(ComponentCodecTest, ComponentOfTheNameItselfComesBeforeTheCanonicalName) 
     const support::Encoder encoder(CharToByteConverter::getConverter(u"GB2312"));
     EXPECT_EQ(String(encoder->getEncodingName()), u"X-Pairs");
     EXPECT_THROW(CharToByteConverter::getConverter(u"CP936"), UnknownEncodingException);
+}
+
+TEST_F(ComponentCodecTest, ProgIdHasTheNameInTheCallersSpelling) {
+    // In upper case the long s would be an S, which no longer is the same name in any case.
+    serve(u"Velquor.CharCodec.X-Out\u017Fide");
+    const support::Decoder decoder(ByteToCharConverter::getConverter(u"X-Out\u017Fide"));
+    const support::Encoder encoder(CharToByteConverter::getConverter(u"X-Out\u017Fide"));
+    EXPECT_EQ(String(decoder->getEncodingName()), u"X-Pairs");
+    EXPECT_EQ(String(encoder->getEncodingName()), u"X-Pairs");
+    EXPECT_EQ(CodecManager::getInstance()->getDecoder(u"X-Outside"), nullptr);
 }
 
 TEST_F(ComponentCodecTest, BuiltInEncodingComesBeforeAComponent) {

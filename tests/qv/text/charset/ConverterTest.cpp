@@ -4,10 +4,11 @@
 
 #include "qv/Exceptions.h"
 #include "qv/text/charset/AMP7Converters.h"
-#include "qv/text/charset/BTCMultiByte.h"
-#include "qv/text/charset/BTCSingleByte.h"
-#include "qv/text/charset/CTBMultiByte.h"
-#include "qv/text/charset/CTBSingleByte.h"
+#include "qv/text/charset/BTCCom.h"
+#include "qv/text/charset/BTCUTF8.h"
+#include "qv/text/charset/CTBCom.h"
+#include "qv/text/charset/CTBUTF8.h"
+#include "qv/text/charset/CodecClasses.h"
 #include "qv/text/charset/SingleByteConverters.h"
 #include "qv/text/charset/UTF16Converters.h"
 #include "qv/text/charset/UTF32Converters.h"
@@ -18,6 +19,7 @@
 #include "tests/support/Throws.h"
 
 #include <gtest/gtest.h>
+#include <type_traits>
 
 using namespace qv;
 using namespace qv::text::charset;
@@ -76,6 +78,16 @@ TEST(CharToByteConverterTest, SubstitutesOneQuestionMarkAtFirst) {
     EXPECT_EQ(encoder.getSubstitutionBytes(nullptr, 0), 1);
     EXPECT_EQ(encoder.getSubstitutionBytes(bytes, 7), 1);
     EXPECT_EQ(bytes[0], '?');
+}
+
+TEST(CharToByteConverterTest, BytesBehindTheQuestionMarkAreZeroAtFirst) {
+    struct : CTBASCII {
+        using CTBASCII::substitutionBytes_;
+    } encoder;
+    EXPECT_EQ(sizeof encoder.substitutionBytes_, 7u);
+    EXPECT_EQ(encoder.substitutionBytes_[0], 0x3F);
+    EXPECT_EQ(encoder.substitutionBytes_[1], 0);
+    EXPECT_EQ(encoder.substitutionBytes_[2], 0);
 }
 
 TEST(CharToByteConverterTest, GivesSubstitutionBytesUpToTheMaximum) {
@@ -151,6 +163,25 @@ TEST_P(ConverterPropertiesTest, FlushAndResetOfAFreshConverterDoNothing) {
     EXPECT_EQ(position, 1);
     EXPECT_EQ(unit, u'x');
     EXPECT_EQ(byte, 'y');
+}
+
+TEST_P(ConverterPropertiesTest, ResetKeepsTheSubstitutionSettings) {
+    const support::Decoder decoder = support::newDecoder(GetParam().form);
+    const support::Encoder encoder = support::newEncoder(GetParam().form);
+    support::configure(*decoder, {false, u"xy"});
+    support::configure(*encoder, {false, "xyz"});
+    support::encode(*encoder, u"a\xD800"); // where a surrogate can wait, one does
+    decoder->reset();
+    encoder->reset();
+    char16_t chars[3] = {};
+    signed char bytes[7] = {};
+    EXPECT_FALSE(decoder->getSubstitutionMode());
+    EXPECT_FALSE(encoder->getSubstitutionMode());
+    EXPECT_EQ(decoder->getSubstitutionChars(chars, 3), 2);
+    EXPECT_EQ(std::u16string(chars), u"xy");
+    EXPECT_EQ(encoder->getSubstitutionBytes(bytes, 7), 3);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(bytes)), "xyz");
+    EXPECT_EQ(encoder->flush(nullptr, nullptr, 0), 0);
 }
 
 TEST_P(ConverterPropertiesTest, EmptyInputAndNullBuffersDoNothing) {
@@ -276,5 +307,55 @@ TEST(ConverterStepsTest, StepsStandBehindTheCommonOperations) {
                                 support::slotOf(Open<CharToByteUTF>::word16()),
                                 support::slotOf(Open<CharToByteUTF>::word32())});
 }
+
+struct OpenSteps {
+    struct ByteDecoder : BTCSingleByte {
+        static auto step() { return &ByteDecoder::convertByte; }
+    };
+    struct ByteEncoder : CTBSingleByte {
+        static auto step() { return &ByteEncoder::convertChar; }
+    };
+    struct BytesDecoder : BTCMultiByte {
+        static auto step() { return &BytesDecoder::convertBytes; }
+    };
+    struct BytesEncoder : CTBMultiByte {
+        static auto step() { return &BytesEncoder::convertChar; }
+    };
+};
+
+TEST(ConverterStepsTest, StepOfAByteOrOfBytesIsTheOneOperationAdded) {
+    const auto decoders = support::slotOf(&ByteToCharConverter::setSubstitutionChars);
+    const auto encoders = support::slotOf(&CharToByteConverter::setSubstitutionBytes);
+    EXPECT_EQ(support::slotOf(OpenSteps::ByteDecoder::step()), decoders + 1);
+    EXPECT_EQ(support::slotOf(OpenSteps::BytesDecoder::step()), decoders + 1);
+    EXPECT_EQ(support::slotOf(OpenSteps::ByteEncoder::step()), encoders + 1);
+    EXPECT_EQ(support::slotOf(OpenSteps::BytesEncoder::step()), encoders + 1);
+}
+
+// --- The class tree ---
+
+template <class Base, class... Classes>
+constexpr bool areBelow = (std::is_base_of_v<Base, Classes> && ...);
+
+static_assert(areBelow<Object, ByteToCharConverter, CharToByteConverter>);
+static_assert(
+    areBelow<ByteToCharConverter, ByteToCharUTF, BTCSingleByte, BTCMultiByte, BTCUTF8, BTCAMP7>);
+static_assert(
+    areBelow<CharToByteConverter, CharToByteUTF, CTBSingleByte, CTBMultiByte, CTBUTF8, CTBAMP7>);
+static_assert(areBelow<ByteToCharUTF, BTCUTF16, BTCUTF32>);
+static_assert(areBelow<CharToByteUTF, CTBUTF16, CTBUTF32>);
+static_assert(areBelow<BTCUTF16, BTCUTF16LE, BTCUTF16BE>);
+static_assert(areBelow<CTBUTF16, CTBUTF16LE, CTBUTF16BE>);
+static_assert(areBelow<BTCUTF32, BTCUTF32LE, BTCUTF32BE>);
+static_assert(areBelow<CTBUTF32, CTBUTF32LE, CTBUTF32BE>);
+static_assert(areBelow<BTCSingleByte, BTCASCII, BTCISO8859_1, BTCSingleByteTable>);
+static_assert(areBelow<CTBSingleByte, CTBASCII, CTBISO8859_1, CTBSingleByteTable>);
+static_assert(areBelow<BTCSingleByteTable, BTCCP437, BTCCP1252>);
+static_assert(areBelow<CTBSingleByteTable, CTBCP437, CTBCP1252>);
+static_assert(areBelow<BTCMultiByte, BTCCom>);
+static_assert(areBelow<CTBMultiByte, CTBCom>);
+static_assert(areBelow<ComObject, CodecClasses>);
+static_assert(areBelow<Exception, InvalidCharacterException, UnmappableCharacterException,
+                       UnknownEncodingException>);
 
 } // namespace

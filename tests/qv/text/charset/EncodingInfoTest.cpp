@@ -4,7 +4,9 @@
 #include "qv/String.h"
 #include "tests/support/Printing.h"
 
+#include <cstddef>
 #include <gtest/gtest.h>
+#include <vector>
 
 using namespace qv;
 
@@ -31,15 +33,55 @@ struct Alias {
 };
 
 const Alias aliases[] = {
-    {u"EUC-JP", u"EUCJP"},         {u"EUC_JP", u"EUCJP"},        {u"WINDOWS-31J", u"CP932"},
-    {u"MS932", u"CP932"},          {u"GB2312", u"CP936"},        {u"KS_C_5601-1987", u"CP949"},
-    {u"BIG5", u"CP950"},           {u"WINDOWS-1250", u"CP1250"}, {u"WINDOWS-1251", u"CP1251"},
-    {u"WINDOWS-1253", u"CP1253"},  {u"WINDOWS-1254", u"CP1254"}, {u"WINDOWS-1255", u"CP1255"},
-    {u"WINDOWS-1256", u"CP1256"},  {u"WINDOWS-1257", u"CP1257"}, {u"WINDOWS-1258", u"CP1258"},
-    {u"WINDOWS-1252", u"CP1252"},  {u"UTF8", u"UTF-8"},          {u"UTF_8", u"UTF-8"},
-    {u"IBM437", u"CP437"},         {u"437", u"CP437"},           {u"LATIN1", u"ISO8859_1"},
-    {u"ISO-8859-1", u"ISO8859_1"}, {u"819", u"ISO8859_1"},       {u"US-ASCII", u"ASCII"},
-    {u"DEFAULT", u"ASCII"},        {u"646", u"ASCII"},
+    {u"ANSI_X3.4-1968", u"ASCII"},
+    {u"ISO-IR-6", u"ASCII"},
+    {u"ANSI_X3.4-1986", u"ASCII"},
+    {u"ISO_646.IRV:1991", u"ASCII"},
+    {u"ASCII", u"ASCII"},
+    {u"ISO646-US", u"ASCII"},
+    {u"US-ASCII", u"ASCII"},
+    {u"US", u"ASCII"},
+    {u"IBM367", u"ASCII"},
+    {u"CP367", u"ASCII"},
+    {u"CSASCII", u"ASCII"},
+    {u"646", u"ASCII"},
+    {u"DEFAULT", u"ASCII"},
+    {u"ASCII7", u"ASCII"},
+    {u"ISO_8859-1:1987", u"ISO8859_1"},
+    {u"ISO-IR-100", u"ISO8859_1"},
+    {u"ISO_8859-1", u"ISO8859_1"},
+    {u"ISO-8859-1", u"ISO8859_1"},
+    {u"LATIN1", u"ISO8859_1"},
+    {u"L1", u"ISO8859_1"},
+    {u"IBM819", u"ISO8859_1"},
+    {u"CP819", u"ISO8859_1"},
+    {u"CSISOLATIN1", u"ISO8859_1"},
+    {u"8859_1", u"ISO8859_1"},
+    {u"ISO_8859-1:1978", u"ISO8859_1"},
+    {u"IBM-819", u"ISO8859_1"},
+    {u"819", u"ISO8859_1"},
+    {u"IBM437", u"CP437"},
+    {u"437", u"CP437"},
+    {u"CSPC8CODEPAGE437", u"CP437"},
+    {u"IBM-437", u"CP437"},
+    {u"WINDOWS-1252", u"CP1252"},
+    {u"UTF8", u"UTF-8"},
+    {u"UTF_8", u"UTF-8"},
+    {u"EUC-JP", u"EUCJP"},
+    {u"EUC_JP", u"EUCJP"},
+    {u"WINDOWS-31J", u"CP932"},
+    {u"MS932", u"CP932"},
+    {u"GB2312", u"CP936"},
+    {u"KS_C_5601-1987", u"CP949"},
+    {u"BIG5", u"CP950"},
+    {u"WINDOWS-1250", u"CP1250"},
+    {u"WINDOWS-1251", u"CP1251"},
+    {u"WINDOWS-1253", u"CP1253"},
+    {u"WINDOWS-1254", u"CP1254"},
+    {u"WINDOWS-1255", u"CP1255"},
+    {u"WINDOWS-1256", u"CP1256"},
+    {u"WINDOWS-1257", u"CP1257"},
+    {u"WINDOWS-1258", u"CP1258"},
 };
 
 TEST(EncodingInfoTest, EveryRowIsFoundByNameNumberAndCodePage) {
@@ -106,6 +148,27 @@ TEST(EncodingInfoTest, FirstCallAsksForTheSize) {
     EXPECT_EQ(QVEnumerateEncInfo(&count, tooFew.data()), QV_E_BUFFERTOOSMALL);
     EXPECT_EQ(count, 28u);
     EXPECT_EQ(tooFew[0].name, nullptr);
+    // A count of 0 asks for the size with a buffer too.
+    count = 0;
+    EXPECT_EQ(QVEnumerateEncInfo(&count, tooFew.data()), QV_E_BUFFERTOOSMALL);
+    EXPECT_EQ(count, 28u);
+    EXPECT_EQ(tooFew[0].name, nullptr);
+}
+
+TEST(EncodingInfoTest, BufferOfExactlyTheRowsIsEnough) {
+    std::vector<QVEncInfo> all(28);
+    unsigned int count = 28;
+    EXPECT_EQ(QVEnumerateEncInfo(&count, all.data()), 0);
+    EXPECT_EQ(count, 28u);
+    EXPECT_EQ(String(all[0].name), u"ASCII");
+    EXPECT_EQ(String(all[27].name), u"EUCJP");
+}
+
+TEST(EncodingInfoTest, RowIsANameACodePageAndAReservedWord) {
+    EXPECT_EQ(offsetof(QVEncInfo, name), 0u);
+    EXPECT_EQ(offsetof(QVEncInfo, codePage), 8u);
+    EXPECT_EQ(offsetof(QVEncInfo, reserved), 12u);
+    EXPECT_EQ(sizeof(QVEncInfo), 16u);
 }
 
 TEST(EncodingInfoTest, SecondCallGivesAllRows) {

@@ -4,6 +4,7 @@
 #include "qv/Exceptions.h"
 #include "tests/support/Conversions.h"
 #include "tests/support/Printing.h"
+#include "tests/support/Throws.h"
 
 #include <gtest/gtest.h>
 
@@ -83,6 +84,34 @@ TEST(BTCMultiByteTest, FieldsAreReported) {
     EXPECT_EQ(decoder.getMaxCharsPerByte(), 3);
 }
 
+/// A step that says whatever it likes about what it consumed.
+class BoastfulDecoder : public BTCMultiByte {
+public:
+    explicit BoastfulDecoder(int consumed) : consumed_(consumed) {}
+
+protected:
+    unsigned int convertBytes(const signed char*, int& length) override {
+        length = consumed_;
+        return u'x';
+    }
+
+private:
+    int consumed_;
+};
+
+TEST(BTCMultiByteTest, NameIsEmptyAndBoundIsMinusOneUntilSet) {
+    BoastfulDecoder decoder(1);
+    EXPECT_EQ(String(decoder.getEncodingName()), u"");
+    EXPECT_EQ(decoder.getMaxBytesPerChar(), -1);
+}
+
+TEST(BTCMultiByteTest, StepNeverMovesTheInputOutOfItsRange) {
+    BoastfulDecoder beyond(1000);
+    EXPECT_EQ(support::decode(beyond, "ab"), (Decoded{2, u"x"}));
+    BoastfulDecoder backwards(-1);
+    EXPECT_EQ(support::decode(backwards, "ab"), (Decoded{0, u""}));
+}
+
 TEST(BTCMultiByteTest, CodePointsBecomeUnitsAndPairs) {
     DigitDecoder decoder;
     EXPECT_EQ(support::decodeAll(decoder, "1A2\x20\xAC"
@@ -151,6 +180,18 @@ TEST(BTCMultiByteTest, FlushWritesAWaitingTrailWithoutMovingOrForgetting) {
     EXPECT_EQ(decoder.flush(units, &position, 3), 0);
 }
 
+TEST(BTCMultiByteTest, ResetKeepsTheSubstitutionSettings) {
+    DigitDecoder decoder;
+    decoder.setPendingTrail(u'\xDC01');
+    decoder.setSubstitutionChars(u"abc", 3);
+    decoder.reset();
+    EXPECT_EQ(support::decodeAll(decoder, "9"), u"abc");
+    decoder.setSubstitutionMode(false);
+    decoder.reset();
+    EXPECT_FALSE(decoder.getSubstitutionMode());
+    EXPECT_EQ(String(decoder.getEncodingName()), u"X-DIGITS");
+}
+
 TEST(BTCMultiByteTest, FlushThrowsUnlessTwoUnitsAreFree) {
     DigitDecoder decoder;
     decoder.setPendingTrail(u'\xDC01');
@@ -174,6 +215,17 @@ TEST(CTBMultiByteTest, FieldsAreReportedAndTheStepGetsSixBytes) {
     EXPECT_EQ(encoder.lastMax, 6);
 }
 
+/// A step that claims one byte more than it was given room for.
+class BoastfulEncoder : public CTBMultiByte {
+protected:
+    int convertChar(unsigned int, signed char*, int max) override { return max + 1; }
+};
+
+TEST(CTBMultiByteTest, FormLongerThanItsRoomIsNone) {
+    BoastfulEncoder encoder;
+    EXPECT_EQ(support::encodeAll(encoder, u"ab"), "??");
+}
+
 TEST(CTBMultiByteTest, CharactersAndPairsBecomeTheirForms) {
     DigitEncoder encoder;
     EXPECT_EQ(support::encodeAll(encoder, u"A\u20AC\U0001F601"), "1A2\x20\xAC"
@@ -183,7 +235,9 @@ TEST(CTBMultiByteTest, CharactersAndPairsBecomeTheirForms) {
 TEST(CTBMultiByteTest, LeadingSurrogateWaitsForTheNextCall) {
     DigitEncoder encoder;
     EXPECT_EQ(support::encode(encoder, u"A\xD83D"), (Encoded{2, "1A"}));
-    EXPECT_THROW(encoder.flush(nullptr, nullptr, 0), InvalidCharacterException);
+    EXPECT_EQ(
+        support::thrownText<InvalidCharacterException>([&] { encoder.flush(nullptr, nullptr, 0); }),
+        "leading surrogate without trailing");
     EXPECT_EQ(support::encode(encoder, u"\xDE01"), (Encoded{1, "3\x01\xF6\x01"}));
     EXPECT_EQ(encoder.flush(nullptr, nullptr, 0), 0);
 }
@@ -200,11 +254,40 @@ TEST(CTBMultiByteTest, SurrogatesWithoutTheirOtherHalfThrow) {
     EXPECT_EQ(encoder.flush(nullptr, nullptr, 0), 0);
 }
 
+TEST(CTBMultiByteTest, ResetKeepsTheSubstitutionSettings) {
+    DigitEncoder encoder;
+    support::encode(encoder, u"\xD800");
+    encoder.setSubstitutionBytes(reinterpret_cast<const signed char*>("12"), 2);
+    encoder.reset();
+    EXPECT_EQ(support::encodeAll(encoder, u"!"), "12");
+    encoder.setSubstitutionMode(false);
+    encoder.reset();
+    EXPECT_FALSE(encoder.getSubstitutionMode());
+    EXPECT_EQ(String(encoder.getEncodingName()), u"X-DIGITS");
+}
+
 TEST(CTBMultiByteTest, PairWithoutFormIsReportedByItsSecondHalf) {
     DigitEncoder encoder;
     const Encoded outcome = support::encode(encoder, u"\U00100000");
     EXPECT_EQ(outcome.failure, Failure::invalidCharacter);
     EXPECT_EQ(outcome.message, "trailing surrogate without leading");
+    EXPECT_EQ(encoder.flush(nullptr, nullptr, 0), 0);
+}
+
+/// A user's class may give surrogates forms of their own: they are then no pair.
+class SurrogateFormsEncoder : public CTBMultiByte {
+protected:
+    int convertChar(unsigned int codePoint, signed char* out, int) override {
+        out[0] = 'S';
+        return codePoint >= 0xD800 && codePoint <= 0xDFFF ? 1 : 0;
+    }
+};
+
+TEST(CTBMultiByteTest, SurrogatesWithAFormPassLikeOtherCharacters) {
+    SurrogateFormsEncoder encoder;
+    EXPECT_EQ(support::encodeAll(encoder, u"\xD800\xD800\xDC00x"), "SSS?");
+    EXPECT_EQ(encoder.flush(nullptr, nullptr, 0), 0);
+    EXPECT_EQ(support::encode(encoder, u"\xD800", 0), (Encoded{0, ""}));
     EXPECT_EQ(encoder.flush(nullptr, nullptr, 0), 0);
 }
 

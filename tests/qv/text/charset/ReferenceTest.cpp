@@ -143,6 +143,27 @@ TEST_P(ReferenceTest, AgreesOnRandomTextsInRandomRooms) {
 
 INSTANTIATE_TEST_SUITE_P(AllEncodings, ReferenceTest, testing::ValuesIn(allForms));
 
+// --- AMP-7, whose escapes can be cut and wrong anywhere ---
+
+TEST(Amp7ReferenceTest, AgreesOnEveryPrefixOfKnownTroublesInEveryRoom) {
+    const std::string troubles[] = {
+        "a&AMP;b",   "a&APOS;b",  "a&QUOT;b",   "&_;b",     "&_41;b",      "&_00041;b",
+        "&_12345;",  "&_123456;", "&_1234567;", "&_FFFD;b", "&_0fffd;",    "&_FFFC;&_FFFE;",
+        "&_D7FF;",   "&_d800;",   "&_DFFF;",    "&_E000;",  "&_10000;b",   "&_FFFFF;b",
+        "&_G;",      "&_1 ;",     "&_\x80;",    "&amp;",    "&AMP&AMP;",   "&APOP;",
+        "&QUIT;",    "&QUOT",     "&LT;",       "&;",       "&&&AMP;",     "&__;",
+        "\x80\xFF&", "&_&_41;",   "&\x80;",     "& AMP;",   "&AMP ;&_41 ", "\0&\0;"s,
+    };
+    for (const std::string& trouble : troubles) {
+        for (std::size_t length = 0; length <= trouble.size(); ++length) {
+            for (std::size_t room = 0; room <= 8; ++room) {
+                ASSERT_TRUE(
+                    agreesDecodingInAllSettings(Form::amp7, trouble.substr(0, length), room));
+            }
+        }
+    }
+}
+
 // --- UTF-8, where most can go wrong ---
 
 TEST(Utf8ReferenceTest, AgreesOnFourBytesOfEveryKind) {

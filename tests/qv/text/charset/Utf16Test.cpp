@@ -1,4 +1,5 @@
 #include "qv/text/charset/UTF16Converters.h"
+#include "qv/text/charset/UTF32Converters.h"
 
 #include "tests/support/Conversions.h"
 
@@ -61,6 +62,38 @@ TEST(Utf16Test, EncoderReturnsCharacters) {
     from = 0;
     to = 0;
     EXPECT_EQ(decoder.convert(out, &from, 8, units, &to, 3), 3);
+}
+
+// --- The steps, which the leaves of UTF-16 and UTF-32 share ---
+
+template <class Leaf>
+struct Open : Leaf {
+    using Leaf::convertUTF16;
+    using Leaf::convertUTF32;
+};
+
+template <class Leaf>
+class HostOrderTest : public testing::Test {};
+using HostOrderLeaves = testing::Types<BTCUTF16LE, CTBUTF16LE, BTCUTF32LE, CTBUTF32LE>;
+TYPED_TEST_SUITE(HostOrderTest, HostOrderLeaves);
+
+TYPED_TEST(HostOrderTest, StepsGiveTheWordItself) {
+    Open<TypeParam> leaf;
+    EXPECT_EQ(leaf.convertUTF16(0x1234), 0x1234);
+    EXPECT_EQ(leaf.convertUTF32(0x12345678), 0x12345678u);
+}
+
+template <class Leaf>
+class SwappedOrderTest : public testing::Test {};
+using SwappedOrderLeaves = testing::Types<BTCUTF16BE, CTBUTF16BE, BTCUTF32BE, CTBUTF32BE>;
+TYPED_TEST_SUITE(SwappedOrderTest, SwappedOrderLeaves);
+
+TYPED_TEST(SwappedOrderTest, StepsSwapTheBytesThereAndBack) {
+    Open<TypeParam> leaf;
+    EXPECT_EQ(leaf.convertUTF16(0x1234), 0x3412);
+    EXPECT_EQ(leaf.convertUTF16(0x3412), 0x1234);
+    EXPECT_EQ(leaf.convertUTF32(0x12345678), 0x78563412u);
+    EXPECT_EQ(leaf.convertUTF32(0x78563412), 0x12345678u);
 }
 
 /// A user's byte order: the words pass through its own step, whatever the leaf below does.

@@ -2,6 +2,7 @@
 
 #include "qv/Exceptions.h"
 #include "tests/support/Conversions.h"
+#include "tests/support/Throws.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,13 @@ using reference::Failure;
 using namespace std::string_literals;
 
 namespace {
+
+/// A user's words: a value is told from its number by a fixed distance.
+template <class Base>
+class Shifted : public Base {
+protected:
+    unsigned int convertUTF32(unsigned int word) override { return Base::convertUTF32(word) ^ 1; }
+};
 
 TEST(BTCUTF32Test, WordsStandInTheirByteOrder) {
     BTCUTF32LE little;
@@ -62,17 +70,28 @@ TEST(BTCUTF32Test, RoomComesBeforeEverything) {
     EXPECT_EQ(support::decode(decoder, "\0\x01\xF6\0"s, 2), (Decoded{4, u"\U0001F600"}));
 }
 
-TEST(BTCUTF32Test, FragmentAtTheEndIsReadAsAWholeWord) {
-    BTCUTF32LE decoder;
-    const signed char bytes[] = {'a', 0, 0, 0, 'b', 0, 0, 0};
+/// Decodes two words of which the second is cut, at every place.
+void expectFragmentsAreWholeWords(BTCUTF32& decoder, const std::string& words) {
     for (std::int32_t end = 5; end < 8; ++end) {
         char16_t units[2] = {};
         std::int32_t from = 0;
         std::int32_t to = 0;
-        EXPECT_EQ(decoder.convert(bytes, &from, end, units, &to, 2), 2);
+        EXPECT_EQ(decoder.convert(reinterpret_cast<const signed char*>(words.data()), &from, end,
+                                  units, &to, 2),
+                  2);
         EXPECT_EQ(from, 8);
+        EXPECT_EQ(to, 2);
         EXPECT_EQ(units[1], u'b');
     }
+}
+
+TEST(BTCUTF32Test, FragmentAtTheEndIsReadAsAWholeWord) {
+    BTCUTF32LE little;
+    expectFragmentsAreWholeWords(little, "a\0\0\0b\0\0\0"s);
+    BTCUTF32BE big;
+    expectFragmentsAreWholeWords(big, "\0\0\0a\0\0\0b"s);
+    Shifted<BTCUTF32BE> shifted;
+    expectFragmentsAreWholeWords(shifted, "\0\0\0`\0\0\0c"s);
 }
 
 TEST(CTBUTF32Test, WordsStandInTheirByteOrder) {
@@ -107,25 +126,29 @@ TEST(CTBUTF32Test, LeadingSurrogateWaitsAndSurvivesAFullOutput) {
     EXPECT_EQ(support::encode(encoder, u"\xDE00z"), (Encoded{2, "\0\x01\xF6\0\0\0\0z"s}));
 }
 
+TEST(CTBUTF32Test, FullOutputStopsInFrontOfAUnitThatWouldThrow) {
+    CTBUTF32LE encoder;
+    EXPECT_EQ(support::encode(encoder, u"\xD83D"), (Encoded{1, ""}));
+    EXPECT_EQ(support::encode(encoder, u"x", 3), (Encoded{0, ""}));
+    EXPECT_EQ(support::encode(encoder, u"\xD83D", 3), (Encoded{0, ""}));
+    EXPECT_EQ(support::encode(encoder, u"x", 4).failure, Failure::invalidCharacter);
+}
+
 TEST(CTBUTF32Test, LeadingSurrogateWithoutTrailingThrowsAndGoesOnWaiting) {
     CTBUTF32LE encoder;
     const Encoded outcome = support::encode(encoder, u"ab\xD83Dx");
     EXPECT_EQ(outcome.failure, Failure::invalidCharacter);
     EXPECT_EQ(outcome.message, "leading surrogate without trailing");
     EXPECT_EQ(support::encode(encoder, u"\xD83D").failure, Failure::invalidCharacter);
-    EXPECT_THROW(encoder.flush(nullptr, nullptr, 0), InvalidCharacterException);
-    EXPECT_THROW(encoder.flush(nullptr, nullptr, 0), InvalidCharacterException);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(support::thrownText<InvalidCharacterException>(
+                      [&] { encoder.flush(nullptr, nullptr, 0); }),
+                  "leading surrogate without trailing");
+    }
     encoder.reset();
     EXPECT_EQ(encoder.flush(nullptr, nullptr, 0), 0);
     EXPECT_EQ(support::encodeAll(encoder, u"x"), "x\0\0\0"s);
 }
-
-/// A user's words: a value is told from its number by a fixed distance.
-template <class Base>
-class Shifted : public Base {
-protected:
-    unsigned int convertUTF32(unsigned int word) override { return Base::convertUTF32(word) ^ 1; }
-};
 
 TEST(Utf32Test, DerivedClassesAreAskedForEveryWord) {
     const std::u16string text(50, u'b');
@@ -136,6 +159,14 @@ TEST(Utf32Test, DerivedClassesAreAskedForEveryWord) {
     EXPECT_EQ(support::decodeAll(decoder, bytes), text);
     BTCUTF32LE plain;
     EXPECT_EQ(support::decodeAll(plain, bytes), std::u16string(50, u'c'));
+}
+
+TEST(Utf32Test, DerivedEncodersKeepPairsAtAFullOutput) {
+    Shifted<CTBUTF32LE> encoder;
+    EXPECT_EQ(support::encode(encoder, u"\xD83D", 3), (Encoded{0, ""}));
+    EXPECT_EQ(support::encode(encoder, u"b\xD83D", 8), (Encoded{2, "c\0\0\0"s}));
+    EXPECT_EQ(support::encode(encoder, u"\xDE00", 3), (Encoded{0, ""}));
+    EXPECT_EQ(support::encode(encoder, u"\xDE00", 4), (Encoded{1, "\x01\xF6\x01\0"s}));
 }
 
 } // namespace

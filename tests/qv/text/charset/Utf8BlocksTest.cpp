@@ -34,6 +34,9 @@ const std::string odd[] = {"\x80",         "\xC0\x80",     "\xED\xA0\x80", "\xF0
                            "\xFF",         "\xE2\x82x",    "\xC3x",        "\xF4\x90\x80\x80",
                            "\xE4\xB8\xC3", "\xE4\xC3\xA9", "\xF0"};
 
+/// What the room is filled with: kernels leave it behind what they write.
+constexpr char16_t untouched = u'Z';
+
 class Utf8BlocksTest : public testing::TestWithParam<Utf8Blocks> {
 protected:
     void SetUp() override {
@@ -48,6 +51,7 @@ protected:
         auto* const in = input_.atEnd<signed char>(bytes.size());
         auto* const out = output_.atEnd<char16_t>(room);
         std::memcpy(in, bytes.data(), bytes.size());
+        std::fill_n(out, room, untouched);
         std::int32_t from = 0;
         std::int32_t to = 0;
         Decoding decoding(in, &from, static_cast<std::int32_t>(bytes.size()), out, &to,
@@ -55,6 +59,7 @@ protected:
         GetParam().decode(decoding);
         decoding.commit();
         const auto consumed = static_cast<std::size_t>(from);
+        EXPECT_EQ(std::count(out + to, out + room, untouched), static_cast<int>(room) - to);
         EXPECT_EQ(std::u16string(out, static_cast<std::size_t>(to)),
                   reference::decode(Form::utf8, bytes.substr(0, consumed), room).written);
         return consumed;
@@ -64,6 +69,7 @@ protected:
         auto* const in = input_.atEnd<char16_t>(units.size());
         auto* const out = output_.atEnd<signed char>(room);
         std::copy(units.begin(), units.end(), in);
+        std::fill_n(out, room, static_cast<signed char>(untouched));
         std::int32_t from = 0;
         std::int32_t to = 0;
         Encoding encoding(in, &from, static_cast<std::int32_t>(units.size()), out, &to,
@@ -71,6 +77,7 @@ protected:
         GetParam().encode(encoding);
         encoding.commit();
         const auto consumed = static_cast<std::size_t>(from);
+        EXPECT_EQ(std::count(out + to, out + room, untouched), static_cast<int>(room) - to);
         char16_t pending = 0;
         EXPECT_EQ(std::string(reinterpret_cast<char*>(out), static_cast<std::size_t>(to)),
                   reference::encode(Form::utf8, units.substr(0, consumed), room, pending).written);
