@@ -10,11 +10,42 @@ namespace {
 
 enum Key : std::int32_t { CtrlC = 3, Backspace = 8, LineFeed = 10, Enter = 13, CtrlZ = 26 };
 
-std::int32_t readKey() {
-    std::int32_t key = 0;
-    throwIfFailed(QVConsoleReadKey(&key));
-    return key;
-}
+/// The bytes that the keys leave in the caller's area.
+class MaskedLine {
+public:
+    MaskedLine(signed char* bytes, std::int32_t capacity) noexcept
+        : bytes_(bytes), capacity_(capacity) {}
+
+    /// @return false where the key ends the line.
+    bool take(std::int32_t key) noexcept {
+        switch (key) {
+        case CtrlZ:
+            return false;
+        case CtrlC:
+            isAborted_ = true;
+            return false;
+        case Backspace:
+            count_ -= count_ > 0 ? 1 : 0;
+            return true;
+        case Enter:
+        case LineFeed:
+            bytes_[count_++] = LineFeed;
+            return false;
+        default:
+            bytes_[count_++] = static_cast<signed char>(key);
+            return count_ < capacity_;
+        }
+    }
+
+    bool isAborted() const noexcept { return isAborted_; }
+    std::int32_t count() const noexcept { return count_; }
+
+private:
+    signed char* bytes_;
+    std::int32_t capacity_;
+    std::int32_t count_ = 0;
+    bool isAborted_ = false;
+};
 
 } // namespace
 
@@ -22,30 +53,16 @@ std::int32_t MaskedConsoleInputStream::read(signed char* destination, std::int32
     if (length < 1) {
         return 0;
     }
-    std::int32_t count = 0;
-    bool ended = false;
-    while (!ended && count < length) {
-        const std::int32_t key = readKey();
-        switch (key) {
-        case CtrlZ:
-            ended = true;
-            break;
-        case CtrlC:
-            throw UserAbortException();
-        case Backspace:
-            count -= count > 0 ? 1 : 0;
-            break;
-        case Enter:
-        case LineFeed:
-            destination[count++] = LineFeed;
-            ended = true;
-            break;
-        default:
-            destination[count++] = static_cast<signed char>(key);
-            break;
-        }
+    MaskedLine line(destination, length);
+    throwIfFailed(QVConsoleReadKeys(
+        [](void* context, std::int32_t key) {
+            return static_cast<MaskedLine*>(context)->take(key) ? 1 : 0;
+        },
+        &line));
+    if (line.isAborted()) {
+        throw UserAbortException();
     }
-    return count > 0 ? count : -1;
+    return line.count() > 0 ? line.count() : -1;
 }
 
 } // namespace qv::io

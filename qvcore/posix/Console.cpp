@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <mutex>
+#include <optional>
 #include <pthread.h>
 #include <termios.h>
 
@@ -145,44 +146,57 @@ private:
     static inline std::atomic<bool> isRaw_ = false;
 };
 
-/// @return false if a signal came first.
-bool tryReadTerminalKey(std::int32_t& key, std::int32_t& result) noexcept {
+/// Reads one byte of standard input, which is the end of input where there is none.
+std::int32_t readByte(std::optional<unsigned char>& byte) noexcept {
+    unsigned char read = 0;
+    const ssize_t count =
+        transfer(STDIN_FILENO, POLLIN, [&read] { return ::read(STDIN_FILENO, &read, 1); });
+    if (count == -1) {
+        return lastNativeResult();
+    }
+    byte = count == 0 ? std::nullopt : std::optional(read);
+    return QV_S_OK;
+}
+
+/// Reads keys until a signal comes.
+/// @return false if one came.
+bool tryReadTerminalKeys(QVKeyTaker take, void* context, std::int32_t& result) noexcept {
     SignalPause signalPause;
     const RawTerminal terminal;
-    if (!signalPause.wait(STDIN_FILENO)) {
-        return false;
-    }
-    unsigned char byte = 0;
-    const ssize_t count =
-        transfer(STDIN_FILENO, POLLIN, [&byte] { return read(STDIN_FILENO, &byte, 1); });
-    if (count == -1) {
-        result = lastNativeResult();
-    } else {
-        key = count == 0 ? endOfInputKey : terminal.toKey(byte);
-        result = QV_S_OK;
-    }
+    std::int32_t key = 0;
+    do {
+        if (!signalPause.wait(STDIN_FILENO)) {
+            return false;
+        }
+        std::optional<unsigned char> byte;
+        result = readByte(byte);
+        if (result != QV_S_OK) {
+            return true;
+        }
+        key = byte ? terminal.toKey(*byte) : endOfInputKey;
+    } while (take(context, key) != 0);
     return true;
 }
 
-std::int32_t readTerminalKey(std::int32_t& key) noexcept {
+std::int32_t readTerminalKeys(QVKeyTaker take, void* context) noexcept {
     static constinit std::mutex oneReader;
     static const int isRegistered = std::atexit(RawTerminal::restore);
     static_cast<void>(isRegistered);
     const std::lock_guard lock(oneReader);
     std::int32_t result = QV_S_OK;
-    while (!tryReadTerminalKey(key, result)) {
+    while (!tryReadTerminalKeys(take, context, result)) {
     }
     return result;
 }
 
-std::int32_t readByte(std::int32_t& key) noexcept {
-    unsigned char byte = 0;
-    const ssize_t count =
-        transfer(STDIN_FILENO, POLLIN, [&byte] { return read(STDIN_FILENO, &byte, 1); });
-    if (count == -1) {
-        return lastNativeResult();
-    }
-    key = count == 0 ? endOfInputKey : byte;
+std::int32_t readBytes(QVKeyTaker take, void* context) noexcept {
+    std::optional<unsigned char> byte;
+    do {
+        const std::int32_t result = readByte(byte);
+        if (result != QV_S_OK) {
+            return result;
+        }
+    } while (take(context, byte ? *byte : endOfInputKey) != 0);
     return QV_S_OK;
 }
 
@@ -190,9 +204,10 @@ std::int32_t readByte(std::int32_t& key) noexcept {
 
 } // namespace qv::core
 
-std::int32_t QVConsoleReadKey(std::int32_t* key) noexcept {
-    if (key == nullptr) {
+std::int32_t QVConsoleReadKeys(QVKeyTaker take, void* context) noexcept {
+    if (take == nullptr) {
         return qv::QV_E_POINTER;
     }
-    return isatty(STDIN_FILENO) ? qv::core::readTerminalKey(*key) : qv::core::readByte(*key);
+    return isatty(STDIN_FILENO) ? qv::core::readTerminalKeys(take, context)
+                                : qv::core::readBytes(take, context);
 }

@@ -6,6 +6,8 @@
 #include "qvcore/common/NativeError.h"
 
 #include <array>
+#include <atomic>
+#include <cstdlib>
 #include <mutex>
 #include <windows.h>
 
@@ -13,21 +15,33 @@ namespace qv::core {
 
 namespace {
 
+constexpr std::int32_t abortKey = 3;
 constexpr std::int32_t endOfInputKey = 26;
 
-/// A console without echo, lines and keys that mean signals, for as long as the object lives.
+/// The console of standard input without echo, lines and keys that mean signals, for as long as the
+/// object lives. One object at a time.
 class RawConsole {
 public:
-    RawConsole(HANDLE console, DWORD mode) noexcept : console_(console), mode_(mode) {
-        SetConsoleMode(console_, mode_ & ~static_cast<DWORD>(ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT |
-                                                             ENABLE_PROCESSED_INPUT));
+    RawConsole(HANDLE console, DWORD mode) noexcept {
+        console_ = console;
+        previous_ = mode;
+        isRaw_ = true;
+        SetConsoleMode(console, mode & ~static_cast<DWORD>(ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT |
+                                                           ENABLE_PROCESSED_INPUT));
     }
-    ~RawConsole() { SetConsoleMode(console_, mode_); }
+    ~RawConsole() { restore(); }
     RawConsole(const RawConsole&) = delete;
     RawConsole& operator=(const RawConsole&) = delete;
 
+    /// Also called at the process's end, when a key is still awaited.
+    static void restore() noexcept {
+        if (isRaw_.exchange(false)) {
+            SetConsoleMode(console_, previous_);
+        }
+    }
+
     /// Waits for a character.
-    /// @return the units of it, 0 at the end of input, -1 on failure.
+    /// @return the units of it, 0 where the wait was broken off, as by Ctrl-Break, -1 on failure.
     int read(char16_t* units) noexcept {
         for (int count = 0; count < 2;) {
             DWORD taken = 0;
@@ -46,8 +60,9 @@ public:
     }
 
 private:
-    HANDLE console_;
-    DWORD mode_;
+    static inline HANDLE console_;
+    static inline DWORD previous_;
+    static inline std::atomic<bool> isRaw_ = false;
 };
 
 /// The console gives characters and the caller takes bytes of the default encoding: what is left of
@@ -61,16 +76,31 @@ public:
         return bytes;
     }
 
-    std::int32_t read(HANDLE console, DWORD mode, std::int32_t& key) {
+    std::int32_t read(HANDLE console, DWORD mode, QVKeyTaker take, void* context) {
         const std::lock_guard lock(mutex_);
+        RawConsole raw(console, mode);
+        std::int32_t key = 0;
+        do {
+            const std::int32_t result = next(raw, key);
+            if (result != QV_S_OK) {
+                return result;
+            }
+        } while (take(context, key) != 0);
+        return QV_S_OK;
+    }
+
+private:
+    KeyBytes() { std::atexit(RawConsole::restore); }
+
+    std::int32_t next(RawConsole& raw, std::int32_t& key) {
         if (next_ == count_) {
             std::array<char16_t, 3> units = {};
-            const int count = RawConsole(console, mode).read(units.data());
+            const int count = raw.read(units.data());
             if (count < 0) {
                 return lastNativeResult();
             }
             if (count == 0) {
-                key = endOfInputKey;
+                key = abortKey;
                 return QV_S_OK;
             }
             fill(units.data());
@@ -79,7 +109,6 @@ public:
         return QV_S_OK;
     }
 
-private:
     void fill(const char16_t* character) noexcept {
         const std::int32_t written =
             QVUnicodeToAnsi(bytes_.data(), character, static_cast<std::int32_t>(bytes_.size()));
@@ -94,29 +123,31 @@ private:
     std::size_t count_ = 0;
 };
 
-std::int32_t readByte(std::int32_t& key) noexcept {
+std::int32_t readBytes(QVKeyTaker take, void* context) noexcept {
     unsigned char byte = 0;
     std::uint32_t count = 0;
-    const std::int32_t result = QVFileRead(QVFileGetStandard(0), &byte, 1, &count);
-    if (result >= 0) {
-        key = count == 0 ? endOfInputKey : byte;
-    }
-    return result;
+    do {
+        const std::int32_t result = QVFileRead(QVFileGetStandard(0), &byte, 1, &count);
+        if (result < 0) {
+            return result;
+        }
+    } while (take(context, count == 0 ? endOfInputKey : byte) != 0);
+    return QV_S_OK;
 }
 
 } // namespace
 
 } // namespace qv::core
 
-std::int32_t QVConsoleReadKey(std::int32_t* key) noexcept {
-    if (key == nullptr) {
+std::int32_t QVConsoleReadKeys(QVKeyTaker take, void* context) noexcept {
+    if (take == nullptr) {
         return qv::QV_E_POINTER;
     }
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     DWORD mode = 0;
     if (!GetConsoleMode(input, &mode)) {
-        return qv::core::readByte(*key);
+        return qv::core::readBytes(take, context);
     }
     return qv::core::guarded(
-        [=] { return qv::core::KeyBytes::instance().read(input, mode, *key); });
+        [=] { return qv::core::KeyBytes::instance().read(input, mode, take, context); });
 }

@@ -24,6 +24,24 @@ int tellKeys(const std::vector<std::string>&) {
     return 0;
 }
 
+/// Tells the keys of two lines, each read by one call.
+int tellLines(const std::vector<std::string>&) {
+    tell("ready");
+    for (int line = 0; line < 2; ++line) {
+        std::string keys;
+        const std::int32_t result = QVConsoleReadKeys(
+            [](void* context, std::int32_t key) {
+                std::string& told = *static_cast<std::string*>(context);
+                told += (told.empty() ? "" : " ") + std::to_string(key);
+                return key == '\n' ? 0 : 1;
+            },
+            &keys);
+        tell(result == 0 ? keys : "failed");
+    }
+    return 0;
+}
+
+const support::ChildRole linesRole("tell-lines", tellLines);
 const support::ChildRole keysRole("tell-keys", tellKeys);
 
 } // namespace
@@ -42,4 +60,17 @@ TEST(ConsoleTest, ReadsByteByByteWhereThereIsNoTerminal) {
     EXPECT_EQ(child.wait(), 0);
 }
 
-TEST(ConsoleTest, RefusesANullOutput) { EXPECT_EQ(QVConsoleReadKey(nullptr), nullOutput); }
+TEST(ConsoleTest, ReadsNoFurtherThanTheKeyThatIsTheLast) {
+    TestProcess child("tell-lines", {});
+    EXPECT_EQ(child.readLine(), "ready");
+    child.write("ab\ncd\n");
+    EXPECT_EQ(child.readLine(), "97 98 10");
+    EXPECT_EQ(child.readLine(), "99 100 10");
+    EXPECT_EQ(child.readLine(), "");
+    EXPECT_EQ(child.wait(), 0);
+}
+
+TEST(ConsoleTest, RefusesNull) {
+    EXPECT_EQ(QVConsoleReadKey(nullptr), nullOutput);
+    EXPECT_EQ(QVConsoleReadKeys(nullptr, nullptr), nullOutput);
+}

@@ -9,8 +9,8 @@
 #include <thread>
 #include <unistd.h>
 
-// The sanitizers' allocators do not survive a fork beside a thread that allocates: the child waits for
-// a lock of theirs for ever. There the other thread only takes locks.
+// The sanitizers' allocators do not survive a fork beside a thread that allocates: the child waits
+// for a lock of theirs for ever. There the other thread only takes locks.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool MAY_ALLOCATE = false;
 #else

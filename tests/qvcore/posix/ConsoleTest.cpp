@@ -2,104 +2,31 @@
 
 #include "tests/support/ChildRole.h"
 #include "tests/support/TestProcess.h"
+#include "tests/support/posix/TerminalSession.h"
 
 #include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <termios.h>
-#include <thread>
 #include <unistd.h>
+
+using support::TerminalSession;
 
 namespace {
 
-/// A new session with a terminal of its own, in which the test program plays a role.
-/// This side sees what the program writes and the terminal's mode.
-class TerminalSession {
-public:
-    explicit TerminalSession(const std::string& role = "tell-keys") {
-        master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        EXPECT_EQ(grantpt(master_), 0);
-        EXPECT_EQ(unlockpt(master_), 0);
-        const char* name = ptsname(master_);
-        slave_ = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
-        EXPECT_EQ(tcgetattr(slave_, &before_), 0);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, name, O_RDWR, 0);
-        posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDOUT_FILENO);
-        posix_spawnattr_t attributes;
-        posix_spawnattr_init(&attributes);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-        std::string arguments[] = {support::programPath(), "--child", role};
-        char* pointers[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
-        EXPECT_EQ(posix_spawn(&child_, "/proc/self/exe", &actions, &attributes, pointers, environ),
-                  0);
-        posix_spawnattr_destroy(&attributes);
-        posix_spawn_file_actions_destroy(&actions);
-        EXPECT_EQ(readLine(), "ready");
-    }
-
-    ~TerminalSession() {
-        if (!isOver_) {
-            kill(child_, SIGKILL);
-            await();
-        }
-        close(slave_);
-        close(master_);
-    }
-
-    void type(const std::string& keys) {
-        EXPECT_EQ(::write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
-    }
-
-    /// The next line that the program wrote, or that the terminal echoed.
-    std::string readLine() {
-        std::string line;
-        char byte = 0;
-        while (read(master_, &byte, 1) == 1 && byte != '\n') {
-            if (byte != '\r') {
-                line += byte;
-            }
-        }
-        return line;
-    }
-
-    bool isRaw() const {
-        termios now = {};
-        tcgetattr(slave_, &now);
-        return (now.c_lflag & (ICANON | ECHO | ISIG)) == 0;
-    }
-    void awaitRaw(bool raw) const {
-        while (isRaw() != raw) {
-            std::this_thread::yield();
-        }
-    }
-    bool isRestored() const {
-        termios now = {};
-        tcgetattr(slave_, &now);
-        return now.c_lflag == before_.c_lflag && now.c_iflag == before_.c_iflag &&
-               now.c_cc[VMIN] == before_.c_cc[VMIN];
-    }
-
-    void signal(int number) const { kill(child_, number); }
-    /// @return the status with which the program ended.
-    int await() {
-        int status = 0;
-        EXPECT_EQ(waitpid(child_, &status, 0), child_);
-        isOver_ = true;
-        return status;
-    }
-
-private:
-    int master_ = -1;
-    int slave_ = -1;
-    pid_t child_ = 0;
-    bool isOver_ = false;
-    termios before_ = {};
-};
+/// Tells every key up to Ctrl-Z and whether it was handed over by a raw terminal.
+int tellKeysInOneGo(const std::vector<std::string>&) {
+    support::tell("ready");
+    return QVConsoleReadKeys(
+        [](void*, std::int32_t key) {
+            termios now = {};
+            tcgetattr(STDIN_FILENO, &now);
+            const bool isRaw = (now.c_lflag & (ICANON | ECHO | ISIG)) == 0;
+            support::tell(std::to_string(key) + (isRaw ? " raw" : " not raw"));
+            return key == 26 ? 0 : 1;
+        },
+        nullptr);
+}
 
 /// Tells a key, and whether the program's own signal handler ran meanwhile.
 int tellKeyAndSignal(const std::vector<std::string>&) {
@@ -145,13 +72,14 @@ int stopKeyReader(const std::vector<std::string>&) {
     return 0;
 }
 
+const support::ChildRole oneGoRole("tell-keys-in-one-go", tellKeysInOneGo);
 const support::ChildRole signalRole("tell-key-and-signal", tellKeyAndSignal);
 const support::ChildRole stopRole("stop-key-reader", stopKeyReader);
 
 } // namespace
 
 TEST(PosixConsoleTest, ReadsKeysWithoutEchoAndLines) {
-    TerminalSession session;
+    TerminalSession session("tell-keys");
     session.awaitRaw(true);
     session.type("a");
     EXPECT_EQ(session.readLine(), "97") << "an echo would stand in front";
@@ -161,7 +89,7 @@ TEST(PosixConsoleTest, ReadsKeysWithoutEchoAndLines) {
 }
 
 TEST(PosixConsoleTest, ReadsControlKeysAsKeys) {
-    TerminalSession session;
+    TerminalSession session("tell-keys");
     const std::pair<const char*, const char*> keys[] = {{"\x03", "3"},  {"\n", "10"},
                                                         {"\x1C", "28"}, {"\x11", "17"},
                                                         {"\x13", "19"}, {"\xC3", "195"}};
@@ -172,8 +100,32 @@ TEST(PosixConsoleTest, ReadsControlKeysAsKeys) {
     }
 }
 
+TEST(PosixConsoleTest, StaysRawFromTheFirstKeyToTheLast) {
+    TerminalSession session("tell-keys-in-one-go");
+    session.awaitRaw(true);
+    session.type("ab");
+    EXPECT_EQ(session.readLine(), "97 raw");
+    EXPECT_EQ(session.readLine(), "98 raw");
+    session.type("\x03");
+    EXPECT_EQ(session.readLine(), "3 raw");
+    session.type("\x1A");
+    EXPECT_EQ(session.readLine(), "26 raw");
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleTest, ASignalBetweenTwoKeysRestoresTheTerminal) {
+    TerminalSession session("tell-keys-in-one-go");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97 raw");
+    session.signal(SIGTERM);
+    EXPECT_EQ(WTERMSIG(session.await()), SIGTERM);
+    EXPECT_TRUE(session.isRestored());
+}
+
 TEST(PosixConsoleTest, KnowsTheTerminalsKeysForErasingAndForTheEnd) {
-    TerminalSession session;
+    TerminalSession session("tell-keys");
     session.awaitRaw(true);
     session.type("\x7F");
     EXPECT_EQ(session.readLine(), "8");
@@ -186,7 +138,7 @@ TEST(PosixConsoleTest, KnowsTheTerminalsKeysForErasingAndForTheEnd) {
 
 TEST(PosixConsoleTest, RestoresTheTerminalWhenASignalEndsTheProcess) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGUSR2}) {
-        TerminalSession session;
+        TerminalSession session("tell-keys");
         session.awaitRaw(true);
         session.signal(number);
         const int status = session.await();
