@@ -293,8 +293,9 @@ public:
         return left.compare(right) <=> 0;
     }
     friend String operator+(const String& left, const String& right) {
-        String sum(left.getLength() + right.getLength());
-        return std::move(sum.append(left).append(right));
+        String sum(left);
+        sum.append(right);
+        return sum;
     }
 
 protected:

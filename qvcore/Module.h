@@ -8,11 +8,12 @@ QVCORE_API void QVModuleSetInitialized(uint64_t identity, int32_t initialized) Q
 /// 1 between the two calls, otherwise 0.
 QVCORE_API int32_t QVModuleIsInitialized(uint64_t identity) QVCORE_NOEXCEPT;
 
-/// Has `before` called in front of a fork, `after` behind it in both processes, until the module
-/// that holds `before` is unloaded. Nothing happens on systems without fork.
+/// Has `before` called in front of a fork, `after` behind it in both processes, until
+/// QVModuleForgetFork. They must not load or unload modules, nor call this. A second registration of
+/// `before` takes the place of the first. Nothing happens on systems without fork.
 QVCORE_API int32_t QVModuleOnFork(void (*before)(void), void (*after)(void)) QVCORE_NOEXCEPT;
-/// Ends what QVModuleOnFork began with `before`, for a module that goes. Unknown functions are
-/// ignored.
+/// Ends what QVModuleOnFork began with `before`: to be called before the module that holds it goes.
+/// Waits for a fork that is under way. Unknown functions are ignored.
 QVCORE_API void QVModuleForgetFork(void (*before)(void)) QVCORE_NOEXCEPT;
 
 /// The command line of the process as the system keeps it, program name and quoting included, on

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <new>
 
@@ -44,7 +43,7 @@ template <class Unit>
 RWBuffer<Unit>::RWBuffer(const Unit* data, int length, int capacity) {
     allocBuffer(std::max(capacity, std::max(length, 0)));
     if (length >= 1) {
-        std::memcpy(data_, data, byteCount<Unit>(length));
+        std::copy_n(data, length, data_);
         length_ = length;
     }
 }
@@ -53,7 +52,7 @@ template <class Unit>
 RWBuffer<Unit>::RWBuffer(const RWBuffer& other) : AbstractBuffer<Unit>() {
     allocBuffer(std::max(other.capacity_, other.length_));
     if (other.length_ > 0) {
-        std::memcpy(data_, other.data_, byteCount<Unit>(std::min(other.length_, other.capacity_)));
+        std::copy_n(other.data_, std::min(other.length_, other.capacity_), data_);
         length_ = other.length_;
     }
 }
@@ -65,7 +64,7 @@ RWBuffer<Unit>& RWBuffer<Unit>::operator=(const RWBuffer& other) {
     }
     Unit* const units = this->ensureCapacity(other.capacity_);
     if (other.length_ > 0) {
-        std::memcpy(units, other.data_, byteCount<Unit>(std::min(other.length_, other.capacity_)));
+        std::copy_n(other.data_, std::min(other.length_, other.capacity_), units);
     }
     this->releaseWriteLock(other.length_);
     return *this;
@@ -121,7 +120,7 @@ template <class Unit>
 void RWBuffer<Unit>::leaveStorage(int capacity) {
     if (capacity > capacity_) {
         Unit* const storage = checkedMemory<Unit>(std::malloc(byteCount<Unit>(capacity)));
-        std::memcpy(storage, data_, byteCount<Unit>(capacity_));
+        std::copy_n(data_, capacity_, storage);
         data_ = storage;
         storageIsBehind_ = false;
     }

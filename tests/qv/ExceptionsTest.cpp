@@ -151,12 +151,26 @@ TEST(ExceptionsTest, OutOfMemoryIsAlsoTheLanguagesOwn) {
     EXPECT_FALSE((std::is_constructible_v<OutOfMemoryException, const String&>));
 }
 
+/// The record that an exception holds: its last field.
+_EXCEPTION_POINTERS* faultOf(const ExternalException& exception) {
+    static_assert(sizeof(ExternalException) == sizeof(Exception) + sizeof(void*));
+    _EXCEPTION_POINTERS* fault = nullptr;
+    std::memcpy(&fault, reinterpret_cast<const char*>(&exception) + sizeof(Exception),
+                sizeof fault);
+    return fault;
+}
+
 TEST(ExceptionsTest, ExternalExceptionTakesAFaultRecord) {
     auto* const fault = reinterpret_cast<_EXCEPTION_POINTERS*>(std::uintptr_t{16});
     const ExternalException exception(fault);
-    ExternalException copy(exception);
-    copy = exception;
-    EXPECT_EQ(copy.getResult(), fail);
+    EXPECT_EQ(faultOf(exception), fault);
+    EXPECT_EQ(faultOf(ExternalException(exception)), fault);
+    const AccessViolationException bare;
+    EXPECT_EQ(faultOf(bare), nullptr);
+    ExternalException assigned(reinterpret_cast<_EXCEPTION_POINTERS*>(std::uintptr_t{32}));
+    assigned = exception;
+    EXPECT_EQ(faultOf(assigned), fault);
+    EXPECT_EQ(assigned.getResult(), fail);
     EXPECT_FALSE(std::is_default_constructible_v<ExternalException>);
 }
 

@@ -122,6 +122,7 @@ TEST(StringTest, ModesTakeABuffer) {
     EXPECT_TRUE(String(String::ACQUIRE_COPY_UPPER, buffer.get()).startsWith(u"ABC"));
     const String wrapped(String::ACQUIRE_WRAP, buffer.get());
     EXPECT_EQ(wrapped.getData(), buffer->getData());
+    EXPECT_EQ(wrapped.getLength(), 4) << "a wrap counts the terminator as a unit of the text";
 }
 
 TEST(StringTest, ModesTakeAText) {
@@ -387,6 +388,34 @@ TEST(StringTest, ForeignInnerBufferIsReachedThroughItsLocks) {
     buffer->refuse = true;
     EXPECT_EQ(support::thrownResult([&] { text.equals(u"abc"); }), QV_E_BUSY);
     EXPECT_EQ(support::thrownResult([&] { text.getReadLock(); }), QV_E_BUSY);
+}
+
+TEST(StringTest, SharedForeignInnerBufferIsLeftToItsOtherHolder) {
+    auto* const buffer = new LockedBuffer(u"abc", 4);
+    const String sharer(String::ACQUIRE_SHARE, buffer);
+    String text(sharer);
+    ASSERT_EQ(text.getData(), buffer->getData());
+    text.append(u"d");
+    EXPECT_EQ(text, u"abcd");
+    EXPECT_EQ(sharer, u"abc");
+    EXPECT_EQ(sharer.getData(), buffer->getData());
+    EXPECT_EQ(buffer->getLength(), 4);
+    EXPECT_EQ(buffer->locks, 0);
+    EXPECT_EQ(buffer->GetRefCount(), 1u);
+}
+
+TEST(StringTest, ForeignInnerBufferThatIsNotWritableIsLeftAlone) {
+    class ReadOnlyBuffer : public LockedBuffer {
+    public:
+        using LockedBuffer::LockedBuffer;
+        short IsWritable() const override { return 0; }
+    };
+    const Reference<ReadOnlyBuffer> buffer(new ReadOnlyBuffer(u"abc", 4));
+    String text(String::ACQUIRE_SHARE, buffer.get());
+    text.append(u"d");
+    EXPECT_EQ(text, u"abcd");
+    EXPECT_EQ(buffer->getLength(), 4);
+    EXPECT_EQ(buffer->GetRefCount(), 1u) << "the string has taken a buffer of its own";
 }
 
 /// An operation that reads one string, and perhaps another.

@@ -247,6 +247,35 @@ TEST(CommandLineParserTest, SecondParseDropsTheFirst) {
     EXPECT_EQ(parser.getParameterCount(), 0);
 }
 
+TEST(CommandLineParserTest, OptionOfAnEarlierParseIsForgotten) {
+    CommandLineParser parser;
+    parser.parse(u"-a -b");
+    parser.parse(u"x y z");
+    for (const bool ignoreCase : {false, true}) {
+        parser.setIgnoreCase(ignoreCase);
+        EXPECT_FALSE(parser.isPresent(u"a"));
+        EXPECT_FALSE(parser.getOption(u"b"));
+    }
+}
+
+TEST(CommandLineParserTest, SubclassFindsDefinitionsAndResets) {
+    struct Open : CommandLineParser {
+        using CommandLineParser::getDefinition;
+        using CommandLineParser::reset;
+    };
+    Open parser;
+    parser.defineOption(u"o", 1, u"7");
+    parser.parse(u"-o 1 -p x");
+    ASSERT_TRUE(parser.getDefinition(u"o"));
+    EXPECT_EQ(parser.getDefinition(u"o")->getName(), u"o");
+    EXPECT_FALSE(parser.getDefinition(u"p")) << "it stands on the line only";
+    parser.reset();
+    EXPECT_EQ(parser.getElementCount(), 0);
+    EXPECT_EQ(parser.getParameterCount(), 0);
+    EXPECT_FALSE(parser.isPresent(u"o"));
+    EXPECT_EQ(parser.getValueLong(u"o", 0), 7) << "definitions stay";
+}
+
 TEST(CommandLineParserTest, LaterOfRepeatedOptionsIsFound) {
     CommandLineParser parser;
     parser.parse(u"-a=1 -a=2");
@@ -315,6 +344,7 @@ TEST(CommandLineParserTest, ValuesAreConverted) {
     EXPECT_EQ(parser.getValueLong(u"n", 2), 8);
     EXPECT_EQ(parser.getValueLong(u"n", 3), -5);
     EXPECT_EQ(parser.getValueLong(u"n", 4), 0x7FFFFFFF);
+    EXPECT_EQ(parser.getValueDouble(u"d", 0), 2.5);
     EXPECT_EQ(parser.getValueDouble(u"d", 1), -1000.0);
     EXPECT_EQ(support::thrownText<Exception>([&] { parser.getValueLong(u"t", 0); }),
               "Unable to convert string to long");
@@ -322,6 +352,8 @@ TEST(CommandLineParserTest, ValuesAreConverted) {
               "Unable to convert string to double");
     EXPECT_EQ(support::thrownText<Exception>([&] { parser.getValueLong(u"e", 0); }),
               "Unable to convert string to long");
+    EXPECT_EQ(support::thrownText<Exception>([&] { parser.getValueDouble(u"e", 0); }),
+              "Unable to convert string to double");
 }
 
 TEST(CommandLineParserTest, IndicesOutOfRangeThrow) {

@@ -1,6 +1,5 @@
 // The library's own start and end, in a program that consists of the library's objects and so
-// reaches what a module hides. Its load notification has run when main begins, and runs again at
-// the exit.
+// reaches what a module hides.
 
 #include "face/Library.h"
 #include "qv/ClassManager.h"
@@ -8,6 +7,7 @@
 #include "qv/Results.h"
 #include "qv/text/charset/CodecManager.h"
 #include "qvcore/Module.h"
+#include "tests/lifecycle/LoadNotification.h"
 #include "tests/lifecycle/UseLibrary.h"
 
 #include <cstdlib>
@@ -76,30 +76,30 @@ void otherReasonsDoNothing() {
     constexpr std::uint32_t reasons[] = {2, 3, 4, 0xFFFFFFFF}; // threads that come and go, and none
     for (const std::uint32_t reason : reasons) {
         const auto* const lock = g_pGlobalLock;
-        CHECK(entry(nullptr, reason, nullptr) == 1);
+        CHECK(notify(reason) == 1);
         CHECK(g_pGlobalLock == lock);
     }
     CHECK(endLibrary() == 0); // none of them has counted
     checkDown();
     for (const std::uint32_t reason : reasons) {
-        CHECK(entry(nullptr, reason, nullptr) == 1);
+        CHECK(notify(reason) == 1);
         checkDown();
     }
 }
 
 void entryStartsAndEnds() {
-    CHECK(isAnnounced());                               // by the load notification
-    CHECK(entry(nullptr, ProcessDetach, nullptr) == 1); // there is nothing to end
+    CHECK(isAnnounced());              // by the load notification
+    CHECK(notify(ProcessDetach) == 1); // there is nothing to end
     checkDown();
     CHECK(!isAnnounced());
-    CHECK(entry(nullptr, ProcessAttach, nullptr) == 1);
+    CHECK(notify(ProcessAttach) == 1);
     CHECK(isUp());
     CHECK(isAnnounced());
     useLibrary("attached");
-    CHECK(entry(nullptr, ProcessDetach, nullptr) == 1);
+    CHECK(notify(ProcessDetach) == 1);
     checkDown();
     CHECK(!isAnnounced());
-    CHECK(entry(nullptr, ProcessAttach, nullptr) == 1); // for the notification at the exit
+    CHECK(notify(ProcessAttach) == 1); // for the one at the end
     CHECK(isUp());
 }
 
@@ -136,14 +136,14 @@ void failedStartKeepsItsCountAndWhatItReached() {
 }
 
 void entryTakesAFailedStart() {
-    CHECK(entry(nullptr, ProcessDetach, nullptr) == 1);
+    CHECK(notify(ProcessDetach) == 1);
     allocationsLeft = 50;
-    CHECK(entry(nullptr, ProcessAttach, nullptr) == 1);
+    CHECK(notify(ProcessAttach) == 1);
     allocationsLeft = unlimited;
     CHECK(isUp());
-    CHECK(entry(nullptr, ProcessDetach, nullptr) == 1);
+    CHECK(notify(ProcessDetach) == 1);
     checkDown();
-    CHECK(entry(nullptr, ProcessAttach, nullptr) == 1);
+    CHECK(notify(ProcessAttach) == 1);
     useLibrary("after-a-failed-start");
 }
 
@@ -161,6 +161,7 @@ void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 int main() {
+    const Attachment attachment;
     CHECK(isUp());
     nestedStartsOnlyCount();
     lastEndTakesItDown();
