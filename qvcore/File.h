@@ -23,6 +23,7 @@
 /// the file meanwhile.
 QVCORE_API int32_t QVFileOpen(const char16_t* path, uint32_t access, uint32_t permissions,
                               uint64_t* handle) QVCORE_NOEXCEPT;
+/// A close that fails, since not all that was written could be kept, leaves the handle open.
 QVCORE_API int32_t QVFileClose(uint64_t handle) QVCORE_NOEXCEPT;
 QVCORE_API int32_t QVFileGetSize(uint64_t handle, int64_t* size) QVCORE_NOEXCEPT;
 /// `origin` is 0 for the start, 1 for the current position, 2 for the end.
@@ -40,7 +41,10 @@ QVCORE_API int32_t QVFileFlush(uint64_t handle) QVCORE_NOEXCEPT;
 /// The handle of standard input (0), output (1) or error (2); not owned. QV_FILE_NONE if the
 /// process has none.
 QVCORE_API uint64_t QVFileGetStandard(int32_t which) QVCORE_NOEXCEPT;
-/// Writes all bytes to the descriptor behind a runtime stream (a `FILE*`), past the stream's
-/// buffer.
+/// The position of a runtime stream (a `FILE*`); -1 where it has none.
+QVCORE_API int64_t QVStreamTell64(void* stream) QVCORE_NOEXCEPT;
+/// Moves the position of a runtime stream; `origin` as for QVFileSeek64.
+QVCORE_API int32_t QVStreamSeek64(void* stream, int64_t offset, int32_t origin) QVCORE_NOEXCEPT;
+/// Writes all bytes to the descriptor behind a runtime stream, past the stream's buffer.
 QVCORE_API int32_t QVStreamWriteDirect(void* stream, const void* bytes,
                                        uint32_t length) QVCORE_NOEXCEPT;

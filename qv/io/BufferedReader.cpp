@@ -19,19 +19,20 @@ int BufferedReader::read() { return nextUnit(); }
 std::int32_t BufferedReader::readLine(String& line) {
     ensureOpen();
     line.clear();
+    Room room;
     try {
-        return takeLine(line);
+        return takeLine(line, room);
     } catch (...) {
-        takeBack(line.getData(), line.getLength());
+        takeBack(line.getData(), line.getLength(), room);
         throw;
     }
 }
 
-std::int32_t BufferedReader::takeLine(String& line) {
+std::int32_t BufferedReader::takeLine(String& line, Room& room) {
     std::int32_t total = 0;
     for (;;) {
         if (isUsedUp()) {
-            fillBuffer();
+            refillBehind(total, room);
         }
         if (isUsedUp()) {
             return total != 0 ? total : -1;
@@ -48,19 +49,27 @@ std::int32_t BufferedReader::takeLine(String& line) {
         }
         pass(length + 1);
         if (units[end] == carriageReturn) {
-            skipLineFeed();
+            skipLineFeed(total, room);
         }
         return total;
     }
 }
 
+/// Reads on into the buffer while the line has `total` units already.
+void BufferedReader::refillBehind(std::int32_t total, Room& room) {
+    if (total > 0) {
+        provide(room, total);
+    }
+    fillBuffer();
+}
+
 /// Behind a carriage return.
-void BufferedReader::skipLineFeed() {
+void BufferedReader::skipLineFeed(std::int32_t total, Room& room) {
     if (isUsedUp()) {
         try {
-            fillBuffer();
+            refillBehind(total, room);
         } catch (...) {
-            takeBack(&carriageReturn, 1);
+            takeBack(&carriageReturn, 1, room);
             throw;
         }
     }

@@ -30,8 +30,9 @@ public:
     virtual std::int32_t readLine(String& line);
 
 private:
-    std::int32_t takeLine(String& line);
-    void skipLineFeed();
+    std::int32_t takeLine(String& line, Room& room);
+    void refillBehind(std::int32_t total, Room& room);
+    void skipLineFeed(std::int32_t total, Room& room);
 };
 
 } // namespace qv::io

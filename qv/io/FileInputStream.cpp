@@ -17,8 +17,10 @@ FileInputStream::FileInputStream(std::uint64_t handle, bool owns)
     : handle_(handle), ownsHandle_(owns) {}
 
 FileInputStream::~FileInputStream() noexcept {
-    // A destructor has nobody to tell of a failure.
-    static_cast<void>(toResult([this] { FileInputStream::close(); }));
+    // A destructor has nobody to tell of a failure, behind which the handle is still there.
+    if (toResult([this] { FileInputStream::close(); }) < 0) {
+        static_cast<void>(toResult([this] { FileInputStream::close(); }));
+    }
 }
 
 std::int32_t FileInputStream::read(signed char* destination, std::int32_t length) {
@@ -34,8 +36,8 @@ std::int32_t FileInputStream::read(signed char* destination, std::int32_t length
 
 void FileInputStream::close() {
     if (ownsHandle_ && handle_ != QV_FILE_NONE) {
-        const std::int32_t result = QVFileClose(std::exchange(handle_, QV_FILE_NONE));
-        throwIfFailed(result);
+        throwIfFailed(QVFileClose(handle_));
+        handle_ = QV_FILE_NONE;
     }
 }
 

@@ -24,6 +24,7 @@ public:
     using InputStream::read;
     /// Kept: a `length` of 0 gives -1, like the end of the file.
     std::int32_t read(signed char* destination, std::int32_t length) override;
+    /// A close that fails leaves the stream its handle.
     void close() override;
 
     std::uint64_t getHandle() const noexcept { return handle_; }

@@ -87,6 +87,7 @@ FileOutputStream::FileOutputStream(std::uint64_t handle, bool owns)
 
 FileOutputStream::~FileOutputStream() noexcept {
     FileOutputStream::close();
+    FileOutputStream::close(); // a failure tells what was lost, once; then the handle goes
     giveBackAll();
 }
 

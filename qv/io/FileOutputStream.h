@@ -49,7 +49,7 @@ public:
     void write(const signed char* bytes, std::int32_t length) override;
     /// Brings what was written to the disk; a stream with KEEPCLOSED closes the file then.
     void flush() override;
-    /// Never throws, since the destructor does the same.
+    /// Never throws, since the destructor does the same. A close that fails leaves the file open.
     void close() override;
 
     // Slot order is contract from here on.

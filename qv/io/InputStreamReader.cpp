@@ -99,9 +99,18 @@ bool InputStreamReader::fillBuffer() {
     return true;
 }
 
+/// Takes room for all units of a read that the decoder fails behind the bytes at hand: holding them
+/// then allocates nothing, and cannot fail.
+void InputStreamReader::reserveHeldUnits(std::int32_t written, std::int32_t length) {
+    const std::int64_t units =
+        std::int64_t{bufferEnd_ - bufferPos_} * std::max(converter_->getMaxCharsPerByte(), 1);
+    heldUnits_.reserve(static_cast<std::size_t>(std::min<std::int64_t>(written + units, length)));
+}
+
 /// @return true if the decoder has left bytes behind.
 bool InputStreamReader::convertBuffer(char16_t* destination, std::int32_t* written,
                                       std::int32_t length) {
+    reserveHeldUnits(*written, length);
     converter_->convert(buffer_.get(), &bufferPos_, wordsEnd(), destination, written, length);
     if (length == 1 && *written == 0 && !isUsedUp() && convertIntoSingleUnit(destination)) {
         *written = 1;

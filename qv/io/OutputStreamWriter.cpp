@@ -2,7 +2,8 @@
 
 #include "qv/detail/Units.h"
 #include "qv/io/detail/StreamClosed.h"
-#include "qv/text/charset/CharToByteConverter.h"
+#include "qv/text/charset/AMP7Converters.h"
+#include "qv/text/charset/CharToByteUTF.h"
 #include "qv/text/charset/detail/Surrogates.h"
 
 #include <algorithm>
@@ -11,12 +12,25 @@ namespace qv::io {
 
 using text::charset::CharToByteConverter;
 
+namespace {
+
+/// True for encoders that stop in front of a pair for which the room is lacking: those of words, to
+/// which surrogates are nothing special or which ask for room first, and AMP-7. The others may
+/// forget the pair's first half there.
+bool keepsPairs(CharToByteConverter* converter) {
+    return dynamic_cast<text::charset::CharToByteUTF*>(converter) != nullptr ||
+           dynamic_cast<text::charset::CTBAMP7*>(converter) != nullptr;
+}
+
+} // namespace
+
 OutputStreamWriter::OutputStreamWriter(OutputStream* out, const char16_t* encoding,
                                        std::int32_t size)
     : out_(out), converter_(CharToByteConverter::getConverter(encoding)),
       bufferSize_(std::max({size, 6, converter_->getMaxBytesPerChar()})),
-      buffer_(std::make_unique_for_overwrite<signed char[]>(static_cast<std::size_t>(bufferSize_))),
-      longestForm_(std::max(converter_->getMaxBytesPerChar(), 1)) {}
+      roomForPair_(keepsPairs(converter_) ? 0 : std::max(converter_->getMaxBytesPerChar(), 1)),
+      buffer_(std::make_unique_for_overwrite<signed char[]>(
+          static_cast<std::size_t>(bufferSize_) + static_cast<std::size_t>(roomForPair_))) {}
 
 OutputStreamWriter::~OutputStreamWriter() = default;
 
@@ -55,16 +69,21 @@ std::int32_t OutputStreamWriter::completeHeldPair(char16_t next) {
 }
 
 void OutputStreamWriter::encode(const char16_t* text, std::int32_t* consumed, std::int32_t length) {
+    if (isOverfull()) {
+        drain();
+    }
+    std::int32_t written = 0; // since a block went out
     while (*consumed < length) {
-        const std::int32_t end = runEnd(text, *consumed, length);
         const std::int32_t start = *consumed;
         const bool hadRoom = count_ == 0;
-        const std::int32_t written =
-            converter_->convert(text, consumed, end, buffer_.get(), &count_, bufferSize_);
-        if (count_ >= bufferSize_ || written == 0) {
+        const std::int32_t step = encodeRun(text, consumed, length);
+        const bool moved = step != 0 || *consumed != start;
+        written += step;
+        if (count_ >= bufferSize_ || written == 0 || !moved) {
             drain();
+            written = 0;
         }
-        if (hadRoom && written == 0 && *consumed == start) {
+        if (hadRoom && !moved) {
             if (*consumed != length - 1 || !text::charset::detail::isLeading(text[*consumed])) {
                 throw IoException(u"stream write error");
             }
@@ -74,29 +93,57 @@ void OutputStreamWriter::encode(const char16_t* text, std::int32_t* consumed, st
     }
 }
 
-/// Where the run ends that goes to the encoder in one call. An encoder may forget the first half of
-/// a pair that meets a full buffer, so that surrogates go in runs of their own for which there is
-/// room.
-std::int32_t OutputStreamWriter::runEnd(const char16_t* text, std::int32_t start,
-                                        std::int32_t length) {
-    if (std::int64_t{length - start} * longestForm_ <= bufferSize_ - count_) {
-        return length; // there is room for all of it
+/// Gives the encoder as much as it can be given in one call. Where it may forget a pair that meets
+/// a full buffer, surrogates go in runs of their own for which there is room.
+/// @return what the encoder says that it has written.
+std::int32_t OutputStreamWriter::encodeRun(const char16_t* text, std::int32_t* consumed,
+                                           std::int32_t length) {
+    const std::int32_t start = *consumed;
+    const std::int32_t room = bufferSize_ - count_;
+    if (std::int64_t{length - start} * roomForPair_ <= room) {
+        return convert(text, consumed, length, bufferSize_); // there is room for all of it
     }
     const std::int32_t plain = qv::detail::findSurrogate(text + start, length - start);
     if (plain != 0) {
-        return plain < 0 ? length : start + plain;
+        return convert(text, consumed, plain < 0 ? length : start + plain, bufferSize_);
     }
-    if (bufferSize_ - count_ < longestForm_) {
-        drain();
+    if (room < roomForPair_) {
+        return encodeBehindTheEnd(text, consumed, surrogatesEnd(text, start, length, 1));
     }
-    const std::int32_t pairs = (bufferSize_ - count_) / longestForm_;
+    return convert(text, consumed, surrogatesEnd(text, start, length, room / roomForPair_),
+                   bufferSize_);
+}
+
+std::int32_t OutputStreamWriter::convert(const char16_t* text, std::int32_t* consumed,
+                                         std::int32_t end, std::int32_t bufferEnd) {
+    return converter_->convert(text, consumed, end, buffer_.get(), &count_, bufferEnd);
+}
+
+/// Encodes one pair, or a surrogate alone, for which the room may be lacking: the form may end in
+/// the spare room behind the buffer, and goes to the front of the next block then.
+std::int32_t OutputStreamWriter::encodeBehindTheEnd(const char16_t* text, std::int32_t* consumed,
+                                                    std::int32_t end) {
+    const std::int32_t before = count_;
+    const std::int32_t written = convert(text, consumed, end, before + roomForPair_);
+    if (isOverfull()) {
+        out_->write(buffer_.get(), before);
+        count_ -= before;
+        std::copy_n(buffer_.get() + before, count_, buffer_.get());
+    }
+    return written;
+}
+
+/// Where the surrogates that begin at `start` end, or the first `pairs` of them. A leading one goes
+/// with what stands behind it.
+std::int32_t OutputStreamWriter::surrogatesEnd(const char16_t* text, std::int32_t start,
+                                               std::int32_t length, std::int32_t pairs) {
     const std::int32_t limit = length - start > 2 * pairs ? start + 2 * pairs : length;
     std::int32_t end = start + 1;
     while (end < limit && text::charset::detail::isSurrogate(text[end])) {
         ++end;
     }
     if (end < length && text::charset::detail::isLeading(text[end - 1])) {
-        end += end - start > 1 ? -1 : 1; // a leading one goes with what stands behind it
+        end += end - start > 1 ? -1 : 1;
     }
     return end;
 }
@@ -112,6 +159,9 @@ void OutputStreamWriter::flush() {
     ensureOpen();
     if (heldSurrogate_) {
         text::charset::detail::throwLeadWithoutTrail();
+    }
+    if (isOverfull()) {
+        drain();
     }
     converter_->flush(buffer_.get(), &count_, bufferSize_);
     while (count_ != 0) {

@@ -51,15 +51,22 @@ private:
     void ensureOpen() const;
     std::int32_t completeHeldPair(char16_t next);
     void encode(const char16_t* text, std::int32_t* consumed, std::int32_t length);
-    std::int32_t runEnd(const char16_t* text, std::int32_t start, std::int32_t length);
+    std::int32_t encodeRun(const char16_t* text, std::int32_t* consumed, std::int32_t length);
+    std::int32_t convert(const char16_t* text, std::int32_t* consumed, std::int32_t end,
+                         std::int32_t bufferEnd);
+    std::int32_t encodeBehindTheEnd(const char16_t* text, std::int32_t* consumed, std::int32_t end);
+    static std::int32_t surrogatesEnd(const char16_t* text, std::int32_t start, std::int32_t length,
+                                      std::int32_t pairs);
+    /// Of a pair behind the buffer's end, where the sink has refused the block in front of it.
+    bool isOverfull() const noexcept { return count_ > bufferSize_; }
     void drain();
 
     detail::Wrapped<OutputStream> out_;
     Reference<text::charset::CharToByteConverter> converter_; ///< null behind a close
     std::int32_t bufferSize_;
-    std::unique_ptr<signed char[]> buffer_; ///< null behind a close
+    std::int32_t roomForPair_;              ///< in bytes; 0 for an encoder that needs no care
+    std::unique_ptr<signed char[]> buffer_; ///< null behind a close; room for a pair behind its end
     std::int32_t count_ = 0;
-    std::int32_t longestForm_;              ///< bytes that a character can need
     std::optional<char16_t> heldSurrogate_; ///< a leading one that the encoder does not take alone
 };
 

@@ -1,6 +1,7 @@
 #include "qv/io/StdioInputStream.h"
 
 #include "qv/Exceptions.h"
+#include "qvcore/File.h"
 
 #include <cstring>
 
@@ -37,9 +38,10 @@ std::int32_t StdioInputStream::read(signed char* destination, std::int32_t lengt
 }
 
 std::int32_t StdioInputStream::skip(std::int32_t count) {
-    const long before = std::ftell(file_);
-    std::fseek(file_, count, SEEK_CUR);
-    const long after = std::ftell(file_);
+    constexpr std::int32_t currentPlace = 1;
+    const std::int64_t before = QVStreamTell64(file_);
+    QVStreamSeek64(file_, count, currentPlace);
+    const std::int64_t after = QVStreamTell64(file_);
     checkError(file_, u"stream seek error");
     return static_cast<std::int32_t>(after - before);
 }

@@ -113,11 +113,14 @@ std::int32_t QVFileOpen(const char16_t* path, std::uint32_t access, std::uint32_
 }
 
 std::int32_t QVFileClose(std::uint64_t handle) noexcept {
-    // An interrupted close has closed the descriptor: it is never repeated.
-    if (close(toDescriptor(handle)) == -1 && errno != EINTR) {
+    // A close frees its descriptor also where it reports what could not be written: a duplicate's
+    // says the same, and leaves the caller of a failed close a handle that is still his.
+    const int descriptor = toDescriptor(handle);
+    const int duplicate = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    if (duplicate != Descriptor::none && close(duplicate) == -1 && errno != EINTR) {
         return lastNativeResult();
     }
-    return QV_S_OK;
+    return close(descriptor) == -1 && errno == EBADF ? lastNativeResult() : QV_S_OK;
 }
 
 std::int32_t QVFileGetSize(std::uint64_t handle, std::int64_t* size) noexcept {
@@ -190,6 +193,24 @@ std::uint64_t QVFileGetStandard(std::int32_t which) noexcept {
         return QV_FILE_NONE;
     }
     return static_cast<std::uint64_t>(descriptors[which]);
+}
+
+std::int64_t QVStreamTell64(void* stream) noexcept {
+    return stream == nullptr ? -1 : ftello(static_cast<std::FILE*>(stream));
+}
+
+std::int32_t QVStreamSeek64(void* stream, std::int64_t offset, std::int32_t origin) noexcept {
+    constexpr int origins[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+    if (stream == nullptr) {
+        return QV_E_INVALIDHANDLE;
+    }
+    if (origin < 0 || origin > 2) {
+        return QV_E_INVALIDARG;
+    }
+    if (fseeko(static_cast<std::FILE*>(stream), offset, origins[origin]) != 0) {
+        return lastNativeResult();
+    }
+    return QV_S_OK;
 }
 
 std::int32_t QVStreamWriteDirect(void* stream, const void* bytes, std::uint32_t length) noexcept {

@@ -64,6 +64,37 @@ bool hasWriter(HANDLE file) noexcept {
     return isPipe(file) && PeekNamedPipe(file, nullptr, 0, nullptr, nullptr, nullptr);
 }
 
+/// A place in front of the start has an error of its own here and none elsewhere.
+std::int32_t seekResult(DWORD error) noexcept {
+    return error == ERROR_NEGATIVE_SEEK ? QV_E_INVALIDARG : QVResultFromNative(error);
+}
+
+/// In front of a call of the runtime library, which does not set both of its numbers each time.
+void clearStreamError() noexcept {
+    errno = 0;
+    _doserrno = NO_ERROR;
+}
+
+/// The result of a call of the runtime library that has failed. The native error goes first: a
+/// denied write is a bad descriptor to the library's own number. A full disk and a descriptor that
+/// is none have no native error.
+std::int32_t streamResult() noexcept {
+    const unsigned long native = _doserrno;
+    if (native != NO_ERROR) {
+        return QVResultFromNative(native);
+    }
+    switch (errno) {
+    case ENOSPC:
+        return QV_E_DISKFULL;
+    case EBADF:
+        return QV_E_INVALIDHANDLE;
+    case EINVAL:
+        return QV_E_INVALIDARG;
+    default:
+        return QV_E_FAIL;
+    }
+}
+
 } // namespace
 
 } // namespace qv::core
@@ -121,8 +152,7 @@ std::int32_t QVFileSeek64(std::uint64_t handle, std::int64_t offset, std::int32_
     LARGE_INTEGER found = {};
     distance.QuadPart = offset;
     if (!SetFilePointerEx(toNative(handle), distance, &found, origins[origin])) {
-        // A place in front of the start has an error of its own here and none elsewhere.
-        return GetLastError() == ERROR_NEGATIVE_SEEK ? QV_E_INVALIDARG : lastNativeResult();
+        return seekResult(GetLastError());
     }
     *position = found.QuadPart;
     return QV_S_OK;
@@ -134,9 +164,13 @@ std::int32_t QVFileRead(std::uint64_t handle, void* buffer, std::uint32_t length
         return QV_E_POINTER;
     }
     const HANDLE file = toNative(handle);
+    if (length == 0 && isPipe(file)) {
+        *count = 0; // the system would wait for a byte
+        return QV_S_OK;
+    }
     DWORD taken = 0;
     while (ReadFile(file, buffer, length, &taken, nullptr)) {
-        if (taken != 0 || length == 0 || !hasWriter(file)) {
+        if (taken != 0 || !hasWriter(file)) {
             *count = taken;
             return QV_S_OK;
         }
@@ -164,6 +198,9 @@ std::int32_t QVFileWrite(std::uint64_t handle, const void* bytes, std::uint32_t 
         }
         rest += written;
         length -= written;
+        if (written == 0 && length != 0) {
+            Sleep(1); // a full pipe that does not block: its reader has to come first
+        }
     } while (length != 0);
     return QV_S_OK;
 }
@@ -192,6 +229,25 @@ std::uint64_t QVFileGetStandard(std::int32_t which) noexcept {
     return handle == nullptr ? QV_FILE_NONE : fromNative(handle);
 }
 
+std::int64_t QVStreamTell64(void* stream) noexcept {
+    return stream == nullptr ? -1 : _ftelli64(static_cast<std::FILE*>(stream));
+}
+
+std::int32_t QVStreamSeek64(void* stream, std::int64_t offset, std::int32_t origin) noexcept {
+    constexpr int origins[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+    if (stream == nullptr) {
+        return QV_E_INVALIDHANDLE;
+    }
+    if (origin < 0 || origin > 2) {
+        return QV_E_INVALIDARG;
+    }
+    clearStreamError();
+    if (_fseeki64(static_cast<std::FILE*>(stream), offset, origins[origin]) != 0) {
+        return _doserrno != NO_ERROR ? seekResult(_doserrno) : streamResult();
+    }
+    return QV_S_OK;
+}
+
 std::int32_t QVStreamWriteDirect(void* stream, const void* bytes, std::uint32_t length) noexcept {
     // The descriptor turns line feeds into line ends where the stream itself does.
     constexpr std::uint32_t most = 0x40000000;
@@ -204,9 +260,10 @@ std::int32_t QVStreamWriteDirect(void* stream, const void* bytes, std::uint32_t 
     const int descriptor = _fileno(static_cast<std::FILE*>(stream));
     const auto* rest = static_cast<const char*>(bytes);
     while (length != 0) {
+        clearStreamError();
         const int written = _write(descriptor, rest, std::min(length, most));
         if (written <= 0) {
-            return errno == EBADF ? QV_E_INVALIDHANDLE : QVResultFromNative(_doserrno);
+            return written == 0 ? QV_E_DISKFULL : streamResult();
         }
         rest += written;
         length -= static_cast<std::uint32_t>(written);

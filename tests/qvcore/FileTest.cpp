@@ -343,7 +343,37 @@ TEST(StreamTest, IsWrittenPastItsBuffer) {
     EXPECT_EQ(child.wait(), 0);
 }
 
+TEST_F(FileTest, IsSoughtThroughARuntimeStream) {
+    make("0123456789");
+    std::FILE* const stream = std::fopen(systemPath().string().c_str(), "rb");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(QVStreamSeek64(stream, 4, 0), 0);
+    EXPECT_EQ(QVStreamTell64(stream), 4);
+    EXPECT_EQ(QVStreamSeek64(stream, 2, 1), 0);
+    EXPECT_EQ(std::fgetc(stream), '6');
+    EXPECT_EQ(QVStreamSeek64(stream, -1, 2), 0);
+    EXPECT_EQ(QVStreamTell64(stream), 9);
+    EXPECT_EQ(QVStreamSeek64(stream, 5'000'000'000, 0), 0);
+    EXPECT_EQ(QVStreamTell64(stream), 5'000'000'000);
+    EXPECT_EQ(QVStreamSeek64(stream, -1, 0), invalidArgument);
+    EXPECT_EQ(QVStreamSeek64(stream, 0, 3), invalidArgument);
+    EXPECT_EQ(QVStreamSeek64(stream, 0, -1), invalidArgument);
+    EXPECT_EQ(QVStreamTell64(stream), 5'000'000'000);
+    std::fclose(stream);
+}
+
+TEST_F(FileTest, IsNotWrittenThroughARuntimeStreamForReading) {
+    make("hello");
+    std::FILE* const stream = std::fopen(systemPath().string().c_str(), "rb");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_LT(QVStreamWriteDirect(stream, "x", 1), 0);
+    std::fclose(stream);
+    EXPECT_EQ(contents(systemPath()), "hello");
+}
+
 TEST(StreamTest, RefusesNullArguments) {
+    EXPECT_EQ(QVStreamTell64(nullptr), -1);
+    EXPECT_EQ(QVStreamSeek64(nullptr, 0, 0), invalidHandle);
     EXPECT_EQ(QVStreamWriteDirect(nullptr, "x", 1), invalidHandle);
     EXPECT_EQ(QVStreamWriteDirect(stdout, nullptr, 1), nullOutput);
 }

@@ -115,6 +115,17 @@ public:
     int failures = 0;
 };
 
+/// A source or sink that cannot be closed.
+template <class Stream>
+class Unclosable : public Stream {
+public:
+    using Stream::Stream;
+    void close() override {
+        Stream::close();
+        throw qv::io::IoException(u"not closed");
+    }
+};
+
 using SlowInputStream = SlowSource<qv::io::InputStream, signed char>;
 using SlowReader = SlowSource<qv::io::Reader, char16_t>;
 using BlockOutputStream = BlockSink<qv::io::OutputStream, signed char>;

@@ -1,6 +1,7 @@
 #include "qv/io/detail/BufferedInput.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace qv::io::detail {
@@ -64,29 +65,45 @@ void BufferedInput<Source, Unit>::refillGivingUpMark() {
 }
 
 template <class Source, class Unit>
-void BufferedInput<Source, Unit>::takeBack(const Unit* units, std::int32_t count) {
-    if (count > 0 && markPos_ < 0) {
-        const std::int32_t left = unreadCount();
-        const std::int32_t size = std::max(bufferSize_, count + left);
-        auto fresh = std::make_unique_for_overwrite<Unit[]>(static_cast<std::size_t>(size));
-        std::copy_n(units, count, fresh.get());
-        std::copy_n(unread(), left, fresh.get() + count);
-        buffer_ = std::move(fresh);
-        bufferSize_ = size;
-        pos_ = count;
-        count_ = count + left;
+void BufferedInput<Source, Unit>::provide(Room& room, std::int32_t count) const {
+    const auto needed = static_cast<std::size_t>(count) + static_cast<std::size_t>(bufferSize_);
+    if (room.size < needed) {
+        const std::size_t size = needed + static_cast<std::size_t>(count);
+        room.units = std::make_unique_for_overwrite<Unit[]>(size);
+        room.size = size;
     }
-    pos_ -= count; // a live mark has kept them in the buffer
+}
+
+template <class Source, class Unit>
+void BufferedInput<Source, Unit>::takeBack(const Unit* units, std::int32_t count,
+                                           Room& room) noexcept {
+    if (count == 0 || markPos_ >= 0) {
+        pos_ -= count; // a live mark has kept them in the buffer
+        return;
+    }
+    const std::int32_t left = unreadCount();
+    const std::int32_t all = count + left;
+    const bool grows = all > bufferSize_;
+    Unit* const front = grows ? room.units.get() : buffer_.get();
+    std::memmove(front + count, unread(), static_cast<std::size_t>(left) * sizeof(Unit));
+    std::copy_n(units, count, front);
+    if (grows) {
+        buffer_ = std::move(room.units);
+        bufferSize_ = all;
+    }
+    pos_ = 0;
+    count_ = all;
 }
 
 template <class Source, class Unit>
 std::int32_t BufferedInput<Source, Unit>::read(Unit* destination, std::int32_t length) {
     ensureOpen();
+    Room room;
     std::int32_t total = 0;
     try {
-        readBlock(destination, length, total);
+        readBlock(destination, length, total, room);
     } catch (...) {
-        takeBack(destination, total);
+        takeBack(destination, total, room);
         throw;
     }
     return total;
@@ -95,7 +112,7 @@ std::int32_t BufferedInput<Source, Unit>::read(Unit* destination, std::int32_t l
 /// Adds what it hands out to `total`, or makes that -1 where the source has ended.
 template <class Source, class Unit>
 void BufferedInput<Source, Unit>::readBlock(Unit* destination, std::int32_t length,
-                                            std::int32_t& total) {
+                                            std::int32_t& total, Room& room) {
     while (total < length) {
         if (isUsedUp()) {
             if (total > 0 && in_->available() == 0) {
@@ -106,6 +123,9 @@ void BufferedInput<Source, Unit>::readBlock(Unit* destination, std::int32_t leng
                 const std::int32_t read = in_->read(destination + total, remaining);
                 total += read > 0 || total == 0 ? read : 0;
                 return;
+            }
+            if (total > 0 && length > bufferSize_) {
+                provide(room, total);
             }
             fillBuffer();
             if (isUsedUp()) {

@@ -16,8 +16,8 @@ namespace qv::io::detail {
 /// handed out. A mark is an index in the buffer. A refill keeps the units behind a live mark, and
 /// the buffer grows to the mark's limit for that; a mark whose limit is used up is given up. What
 /// the source throws passes through, and loses nothing: what the failed call had handed out comes
-/// again with the next one, and the mark is as it was, unless an earlier refill of that call has
-/// given it up. Only what a failed `skip` has passed stays passed.
+/// again with the next one, and the mark is as it was; but a mark that an earlier refill of that
+/// call has given up stays given up. Only what a failed `skip` has passed stays passed.
 ///
 /// A read of at least the buffer's size goes past the buffer while no mark is live. A read that has
 /// units already does not wait for more: it ends where the source reports nothing available.
@@ -27,7 +27,7 @@ public:
     /// Owns: one reference to `in`. The buffer has at least 16 units.
     BufferedInput(Source* in, std::int32_t size);
 
-    // All but `close` throw IoException "stream closed" behind a `close`.
+    // All but `close` and `markSupported` throw IoException "stream closed" behind a `close`.
 
     using Source::read;
     std::int32_t read(Unit* destination, std::int32_t length) override;
@@ -65,9 +65,20 @@ protected:
     const Unit* unread() const noexcept { return buffer_.get() + pos_; }
     std::int32_t unreadCount() const noexcept { return count_ - pos_; }
     void pass(std::int32_t count) noexcept { pos_ += count; }
+
+    /// Room for what a call that the source fails has handed out: more of it than the buffer holds
+    /// is put back there.
+    struct Room {
+        std::unique_ptr<Unit[]> units;
+        std::size_t size = 0;
+    };
+    /// Takes room for the `count` units that a call has handed out, and for a buffer more. Called
+    /// in front of the refill behind them, while they still fit in the buffer or in the room at
+    /// hand: so that putting them back allocates nothing, and cannot fail.
+    void provide(Room& room, std::int32_t count) const;
     /// Makes the units handed out last, `count` in all, the next to be handed out again: for a call
-    /// that the source has failed. The buffer grows if it has to.
-    void takeBack(const Unit* units, std::int32_t count);
+    /// that the source has failed. The buffer becomes the room if it has to grow.
+    void takeBack(const Unit* units, std::int32_t count, Room& room) noexcept;
 
 private:
     static constexpr std::int32_t noMark = -1;
@@ -76,7 +87,7 @@ private:
     void keepMarkedUnits();
     void fillFrom(std::int32_t offset);
     void refillGivingUpMark();
-    void readBlock(Unit* destination, std::int32_t length, std::int32_t& total);
+    void readBlock(Unit* destination, std::int32_t length, std::int32_t& total, Room& room);
 
     Wrapped<Source> in_;
     std::int32_t bufferSize_;

@@ -439,6 +439,11 @@ TYPED_TEST(BufferedInputTest, RefusesEverythingBehindAClose) {
     for (const auto& operation : operations) {
         EXPECT_EQ(support::thrownText<io::IoException>(operation), "stream closed");
     }
+}
+
+TYPED_TEST(BufferedInputTest, SupportsMarksAlsoBehindAClose) {
+    typename TypeParam::Buffered in(this->source(40), 16);
+    in.close();
     EXPECT_TRUE(in.markSupported());
 }
 
@@ -448,6 +453,15 @@ TYPED_TEST(BufferedInputTest, ClosesTheSourceEachTime) {
     in.close();
     in.close();
     EXPECT_EQ(source->closes, 2);
+}
+
+TYPED_TEST(BufferedInputTest, IsClosedBeforeItsSourceAndAlsoWhereThatFails) {
+    const auto source = make<support::Unclosable<typename TypeParam::Slow>>(this->text("abc"));
+    typename TypeParam::Buffered in(source, 16);
+    EXPECT_EQ(in.read(), 'a');
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { in.close(); }), "not closed");
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { in.read(); }), "stream closed");
+    EXPECT_EQ(source->closes, 1);
 }
 
 TYPED_TEST(BufferedInputTest, HoldsTheSourceUntilItsEnd) {

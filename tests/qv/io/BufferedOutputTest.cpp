@@ -144,6 +144,14 @@ TYPED_TEST(BufferedOutputTest, RefusesEverythingBehindACloseButAnother) {
     EXPECT_EQ(this->sink_->GetRefCount(), 2U);
 }
 
+TYPED_TEST(BufferedOutputTest, IsClosedBeforeItsSinkAndAlsoWhereThatFails) {
+    const auto sink = make<support::Unclosable<typename TypeParam::Sink>>();
+    typename TypeParam::Buffered out(sink, 16);
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { out.close(); }), "not closed");
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { out.flush(); }), "stream closed");
+    EXPECT_EQ(sink->closes, 1);
+}
+
 TYPED_TEST(BufferedOutputTest, AFailureOfTheSinkLeavesWhatIsCollected) {
     this->write(16 - 1);
     this->sink_->failures = 3;

@@ -203,6 +203,17 @@ TEST(ByteArrayOutputStreamTest, IsTheTextOfItsBytes) {
     EXPECT_EQ(object.toString(), u"abc");
 }
 
+TEST(ByteArrayOutputStreamTest, DecodesWithTheDefaultEncodingWhereNoneIsNamed) {
+    const signed char bytes[] = {'a', static_cast<signed char>(0xC3),
+                                 static_cast<signed char>(0xA9), static_cast<signed char>(0xFF),
+                                 'z'};
+    io::ByteArrayOutputStream out;
+    out.write(bytes, 5);
+    const String text = out.toString();
+    EXPECT_EQ(text, String(bytes, 5));
+    EXPECT_GT(text.getLength(), 2) << "there is more than ASCII";
+}
+
 TEST(ByteArrayOutputStreamTest, DecodesItsBytesWithAnEncoding) {
     io::ByteArrayOutputStream out;
     out.write("\xC3\xA9\xE2\x82\xAC", 5);

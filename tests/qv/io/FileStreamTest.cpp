@@ -8,6 +8,7 @@
 #include "tests/support/ChildRole.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Slots.h"
+#include "tests/support/StartedThread.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestProcess.h"
 #include "tests/support/Throws.h"
@@ -125,7 +126,19 @@ TEST_F(FileStreamTest, CloseEndsTheHandle) {
     in.close();
     EXPECT_EQ(in.getHandle(), QV_FILE_NONE);
     EXPECT_NO_THROW(in.close());
-    EXPECT_THROW(in.read(), ResultException);
+    EXPECT_EQ(support::thrownResult([&] { in.read(); }), QV_E_INVALIDHANDLE);
+}
+
+TEST_F(FileStreamTest, ReadOfAHandleForWritingThrowsItsResult) {
+    make("abc");
+    std::uint64_t handle = 0;
+    ASSERT_EQ(QVFileOpen(path().getData(), QV_FILE_WRITE, 0, &handle), 0);
+    FileInputStream in(handle, true);
+    char byte = 0;
+    std::uint32_t count = 0;
+    const std::int32_t refusal = QVFileRead(handle, &byte, 1, &count);
+    EXPECT_LT(refusal, 0);
+    EXPECT_EQ(support::thrownResult([&] { in.read(); }), refusal);
 }
 
 TEST_F(FileStreamTest, WrappedHandleIsClosedOnlyWhereOwned) {
@@ -349,6 +362,7 @@ TEST_F(FileStreamTest, FailureToCloseIsThrownByReadersAndSwallowedByWriters) {
     FileInputStream in(handle, true);
     ASSERT_EQ(QVFileClose(handle), 0);
     EXPECT_EQ(support::thrownResult([&] { in.close(); }), QV_E_INVALIDHANDLE);
+    EXPECT_EQ(in.getHandle(), handle) << "not closed: still its handle";
 
     ASSERT_EQ(QVFileOpen(path().getData(), QV_FILE_WRITE, 0, &handle), 0);
     FileOutputStream out(handle, true);
@@ -512,6 +526,31 @@ TEST_F(FileStreamTest, FailedReopenGivesItsLocksBack) {
     std::filesystem::remove(folder.path() / "sub");
     write(out, "x");
     EXPECT_EQ(content(u"sub"), "x");
+}
+
+TEST_F(FileStreamThreadsTest, FailedReopenForTheSizeLeavesTheMutexFree) {
+    FileOutputStream out(path(u"sub"), FileOutputStream::KEEPCLOSED);
+    std::filesystem::remove(folder.path() / "sub");
+    std::filesystem::create_directory(folder.path() / "sub");
+    EXPECT_EQ(support::thrownResult([&] { out.getSize(); }), QV_E_ACCESSDENIED);
+    std::filesystem::remove(folder.path() / "sub");
+    std::thread([&] { write(out, "x"); }).join();
+    EXPECT_EQ(content(u"sub"), "x");
+}
+
+TEST_F(FileStreamThreadsTest, WriteWaitsForTheLockOfTheProcesses) {
+    for (const unsigned int mode :
+         {FileOutputStream::LOCK, FileOutputStream::LOCK | FileOutputStream::KEEPCLOSED}) {
+        make("");
+        FileOutputStream out(path(), mode);
+        ipc::Semaphore lock(lockNameOf(path()).c_str(), 1);
+        lock.wait();
+        std::thread writer = support::startedThread([&] { write(out, "text"); });
+        EXPECT_EQ(content(), "") << mode;
+        lock.signal();
+        writer.join();
+        EXPECT_EQ(content(), "text") << mode;
+    }
 }
 
 TEST_F(FileStreamThreadsTest, BlocksOfOneStreamAreWhole) {

@@ -171,6 +171,11 @@ TEST(FilterReaderTest, FailsOnFirstUseWithNothingToWrap) {
     char16_t unit;
     EXPECT_THROW(filter.read(&unit, 1), IllegalStateException);
     EXPECT_THROW(filter.read(), IllegalStateException);
+    EXPECT_THROW(filter.skip(1), IllegalStateException);
+    EXPECT_THROW(filter.available(), IllegalStateException);
+    EXPECT_THROW(filter.markSupported(), IllegalStateException);
+    EXPECT_THROW(filter.mark(1), IllegalStateException);
+    EXPECT_THROW(filter.reset(), IllegalStateException);
     EXPECT_THROW(filter.close(), IllegalStateException);
 }
 

@@ -5,6 +5,7 @@
 #include "qv/io/BufferedInputStream.h"
 #include "qv/io/BufferedReader.h"
 #include "qv/io/ByteArrayInputStream.h"
+#include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Slots.h"
@@ -18,6 +19,7 @@ namespace {
 
 using namespace qv;
 using support::SlowInputStream;
+using text::charset::ByteToCharConverter;
 using text::charset::CharToByteConverter;
 
 constexpr auto toBytes = support::unitsOf<signed char>;
@@ -167,6 +169,30 @@ TEST(InputStreamReaderTest, AnEmptyBlockDoesNotEndIt) {
     EXPECT_EQ(in.read(), 'a');
 }
 
+/// Goes on behind the end that it has told.
+class ReopenedStream : public SlowInputStream {
+public:
+    using SlowInputStream::SlowInputStream;
+    std::int32_t read(signed char* destination, std::int32_t length) override {
+        if (requests.size() == 1) {
+            requests.push_back(length);
+            return -1;
+        }
+        return SlowInputStream::read(destination, length);
+    }
+};
+
+TEST(InputStreamReaderTest, NeverAsksItsSourceBehindTheEnd) {
+    const auto source = make<ReopenedStream>(toBytes("ab"), 1);
+    source->tellsAvailable = true;
+    io::InputStreamReader in(source, u"UTF-8");
+    EXPECT_EQ(readAll(in, 10), u"a");
+    EXPECT_EQ(source->requests.size(), 2U);
+    EXPECT_EQ(in.read(), -1);
+    EXPECT_EQ(in.read(), -1);
+    EXPECT_EQ(source->requests.size(), 2U);
+}
+
 TEST(InputStreamReaderTest, EachByteOfACharacterCutShortIsReplaced) {
     const std::pair<const char*, std::u16string> cases[] = {
         {"a\xE2\x82", u"a\uFFFD\uFFFD"},
@@ -275,7 +301,8 @@ TEST(InputStreamReaderTest, TellsItsEncoding) {
 TEST(InputStreamReaderTest, DecodesWithTheDefaultEncodingWhereNoneIsNamed) {
     io::InputStreamReader in(make<SlowInputStream>(toBytes("abc")));
     EXPECT_EQ(readAll(in, 10), u"abc");
-    EXPECT_GT(String(in.getEncodingName()).getLength(), 0);
+    const Reference<ByteToCharConverter> decoder = ByteToCharConverter::getDefaultConverter();
+    EXPECT_EQ(String(in.getEncodingName()), String(decoder->getEncodingName()));
 }
 
 TEST(InputStreamReaderTest, RefusesAnUnknownEncoding) {
@@ -315,6 +342,14 @@ TEST(InputStreamReaderTest, RefusesEverythingBehindACloseButAnother) {
     EXPECT_NO_THROW(in.close());
     EXPECT_EQ(source->closes, 2);
     EXPECT_EQ(source->GetRefCount(), 2U);
+}
+
+TEST(InputStreamReaderTest, IsClosedBeforeItsSourceAndAlsoWhereThatFails) {
+    const auto source = make<support::Unclosable<SlowInputStream>>(toBytes("abc"));
+    io::InputStreamReader in(source, u"UTF-8");
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { in.close(); }), "not closed");
+    EXPECT_EQ(support::thrownText<io::IoException>([&] { in.read(); }), "stream closed");
+    EXPECT_EQ(source->closes, 1);
 }
 
 TEST(InputStreamReaderTest, FailsOnFirstUseWithNothingToWrap) {

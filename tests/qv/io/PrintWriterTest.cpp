@@ -41,6 +41,15 @@ TEST(PrintWriterTest, PrintsEveryKindOfValue) {
     EXPECT_EQ(printed([](Out& out) { out.print(false); }), u"false");
 }
 
+TEST(PrintWriterTest, PrintsALongInItsWholeRange) {
+    for (const long value : {std::numeric_limits<long>::min(), std::numeric_limits<long>::max()}) {
+        const String text = String::valueOf(value);
+        EXPECT_EQ(text.getBytes(), std::to_string(value));
+        EXPECT_EQ(printed([=](io::PrintWriter& out) { out.print(value); }), text);
+        EXPECT_EQ(printed([=](io::PrintWriter& out) { out.println(value); }), text + String(u"\n"));
+    }
+}
+
 TEST(PrintWriterTest, DecodesNarrowTextsWithTheDefaultEncoding) {
     const char bytes[] = "caf\xC3\xA9 \xE2\x82\xAC \xFF";
     const String expected(reinterpret_cast<const signed char*>(bytes), -1);

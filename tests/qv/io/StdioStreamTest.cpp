@@ -80,6 +80,18 @@ const support::ChildRole stdinFileSkip("stdin-file-skip", [](const Arguments& ar
     return 0;
 });
 
+const support::ChildRole stdinFarSkip("stdin-far-skip", [](const Arguments& arguments) {
+    if (std::freopen(arguments[0].c_str(), "rb", stdin) == nullptr) {
+        return 1;
+    }
+    StdioInputStream in;
+    for (const std::int32_t count : {0x7FFFFFFF, 16, -100, 98}) {
+        support::tell(std::to_string(in.skip(count)));
+        support::tell(std::to_string(in.read()));
+    }
+    return 0;
+});
+
 /// What is thrown where standard input cannot be read.
 const support::ChildRole stdinFailure("stdin-failure", [](const Arguments&) {
     if (QVFileClose(QVFileGetStandard(0)) < 0) {
@@ -150,6 +162,18 @@ TEST(StdioInputStreamTest, FileSkipsByMovingItsPosition) {
               (Lines{"97", "3", "101", "-2", "100", "0", "101", "100", "-1"}));
 }
 
+TEST(StdioInputStreamTest, FileSkipsBehindTheReachOf32Bits) {
+    const support::TestFolder folder;
+    {
+        FileOutputStream out(String((folder.path() / "file").u16string().c_str()), false);
+        std::int64_t position = 0;
+        ASSERT_EQ(QVFileSeek64(out.getHandle(), 0x80000010, 0, &position), 0);
+        out.write(static_cast<signed char>('z'));
+    }
+    EXPECT_EQ(answers("stdin-far-skip", "", {(folder.path() / "file").string()}),
+              (Lines{"2147483647", "0", "16", "122", "-100", "0", "98", "122"}));
+}
+
 TEST(StdioInputStreamTest, ErrorsHaveTheirTexts) {
     EXPECT_EQ(answers("stdin-failure", "", {}),
               (Lines{"stream read error", "stream seek error", "stream read error"}));
@@ -169,7 +193,11 @@ const support::ChildRole stdoutWriter("stdout-writer", [](const Arguments&) {
     return 0;
 });
 
-const support::ChildRole stderrWriter("stderr-writer", [](const Arguments&) {
+/// With its standard error in a file.
+const support::ChildRole stderrWriter("stderr-writer", [](const Arguments& arguments) {
+    if (std::freopen(arguments[0].c_str(), "wb", stderr) == nullptr) {
+        return 1;
+    }
     const Reference<OutputStream> error = StdioOutputStream::getStdErrorStream();
     error->write("to the error stream\n", 20);
     error->flush();
@@ -181,8 +209,38 @@ TEST(StdioOutputStreamTest, BlocksOvertakeSingleBytes) {
     EXPECT_EQ(answers("stdout-writer", "", {}), (Lines{"block", "overtakes", "x", "open"}));
 }
 
-TEST(StdioOutputStreamTest, ErrorStreamIsNotOwned) {
-    EXPECT_TRUE(answers("stderr-writer", "", {}).empty());
+std::string contents(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(StdioOutputStreamTest, ErrorStreamWritesStandardErrorAndDoesNotOwnIt) {
+    const support::TestFolder folder;
+    EXPECT_TRUE(answers("stderr-writer", "", {(folder.path() / "file").string()}).empty());
+    EXPECT_EQ(contents(folder.path() / "file"), "to the error stream\nstill open\n");
+}
+
+/// What is thrown where standard output cannot be written; told in a file.
+const support::ChildRole stdoutFailure("stdout-failure", [](const Arguments& arguments) {
+    std::ofstream told(arguments[0], std::ios::binary);
+    if (QVFileClose(QVFileGetStandard(1)) < 0) {
+        return 1;
+    }
+    StdioOutputStream out;
+    told << support::thrownText<IoException>([&] { out.write("abc", 3); }) << "\n";
+    out.write(static_cast<signed char>('x')); // into the runtime stream's buffer
+    told << support::thrownText<IoException>([&] { out.flush(); }) << "\n";
+    std::clearerr(stdout);
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    told << support::thrownText<IoException>([&] { out.write(static_cast<signed char>('x')); });
+    return 0;
+});
+
+TEST(StdioOutputStreamTest, ErrorsHaveTheirTexts) {
+    const support::TestFolder folder;
+    answers("stdout-failure", "", {(folder.path() / "file").string()});
+    EXPECT_EQ(contents(folder.path() / "file"),
+              "stream write error\nstream flush error\nstream write error");
 }
 
 TEST(StdioFileOutputStreamTest, OwnedStreamIsClosedOnce) {

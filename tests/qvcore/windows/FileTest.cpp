@@ -3,7 +3,13 @@
 #include "tests/qvcore/Results.h"
 #include "tests/support/TestFolder.h"
 
+#include <array>
+#include <cstdio>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <io.h>
+#include <string>
+#include <thread>
 #include <windows.h>
 
 using namespace support;
@@ -89,6 +95,66 @@ TEST(WindowsFileTest, AWriteOfNothingIsNoEndOfAPipe) {
     EXPECT_EQ(QVFileRead(handleOf(in), &taken, 1, &count), 0);
     EXPECT_EQ(count, 0u) << "the end";
     EXPECT_EQ(QVFileClose(handleOf(in)), 0);
+}
+
+TEST(WindowsFileTest, AReadOfNothingDoesNotWaitForAPipe) {
+    HANDLE in = nullptr;
+    HANDLE out = nullptr;
+    ASSERT_TRUE(CreatePipe(&in, &out, nullptr, 0));
+    std::uint32_t count = 7;
+    EXPECT_EQ(QVFileRead(handleOf(in), nullptr, 0, &count), 0);
+    EXPECT_EQ(count, 0u);
+    EXPECT_EQ(QVFileClose(handleOf(out)), 0);
+    EXPECT_EQ(QVFileClose(handleOf(in)), 0);
+}
+
+TEST(WindowsPipeThreadsTest, IsWaitedForWhereItIsFullAndDoesNotBlock) {
+    HANDLE in = nullptr;
+    HANDLE out = nullptr;
+    ASSERT_TRUE(CreatePipe(&in, &out, nullptr, 1000));
+    DWORD mode = PIPE_NOWAIT;
+    ASSERT_TRUE(SetNamedPipeHandleState(out, &mode, nullptr, nullptr));
+    const std::string bytes(100'000, 'x');
+    std::string received;
+    std::thread reader([&] {
+        std::array<char, 500> buffer;
+        std::uint32_t count = 0;
+        while (received.size() < bytes.size()) {
+            ASSERT_EQ(QVFileRead(handleOf(in), buffer.data(), 500, &count), 0);
+            ASSERT_NE(count, 0u);
+            received.append(buffer.data(), count);
+        }
+    });
+    EXPECT_EQ(QVFileWrite(handleOf(out), bytes.data(), 100'000), 0);
+    reader.join();
+    EXPECT_EQ(received, bytes);
+    EXPECT_EQ(QVFileClose(handleOf(out)), 0);
+    EXPECT_EQ(QVFileClose(handleOf(in)), 0);
+}
+
+TEST(WindowsStreamTest, AWriteThatAFullPipeCutsIsAFailure) {
+    HANDLE in = nullptr;
+    HANDLE out = nullptr;
+    ASSERT_TRUE(CreatePipe(&in, &out, nullptr, 1000));
+    DWORD mode = PIPE_NOWAIT;
+    ASSERT_TRUE(SetNamedPipeHandleState(out, &mode, nullptr, nullptr));
+    std::FILE* const stream =
+        _fdopen(_open_osfhandle(reinterpret_cast<std::intptr_t>(out), 0), "wb");
+    ASSERT_NE(stream, nullptr);
+    const std::string bytes(1'000'000, 'x');
+    EXPECT_LT(QVStreamWriteDirect(stream, bytes.data(), 1'000'000), 0);
+    std::fclose(stream);
+    EXPECT_EQ(QVFileClose(handleOf(in)), 0);
+}
+
+TEST(WindowsStreamTest, ADeniedWriteIsNoInvalidHandle) {
+    const TestFolder folder;
+    const std::string path = (folder.path() / "file").string();
+    std::fclose(std::fopen(path.c_str(), "wb"));
+    std::FILE* const stream = std::fopen(path.c_str(), "rb");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(QVStreamWriteDirect(stream, "x", 1), accessDenied);
+    std::fclose(stream);
 }
 
 TEST(WindowsFileTest, RefusesAPathThatTheSystemCannotSpell) {
