@@ -3,6 +3,7 @@
 #include "qv/ErrorRule.h"
 #include "qv/Exceptions.h"
 #include "qv/detail/Exactly.h"
+#include "qv/detail/Lengths.h"
 #include "qv/detail/Units.h"
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
@@ -14,6 +15,7 @@
 
 namespace qv {
 
+using detail::measured;
 using text::charset::ByteToCharConverter;
 using text::charset::CharToByteConverter;
 
@@ -21,14 +23,16 @@ namespace {
 
 constexpr int chunkSize = 512;
 
-int measured(const char16_t* text, int length) {
-    return length >= 0 ? length : text == nullptr ? 0 : QVStrLenW_32(text);
-}
-
 /// `length` plus `more` as a size to ask for. A sum beyond what a store can have is one that it
 /// refuses.
 unsigned int sum(int length, int more) {
     return static_cast<unsigned int>(length) + static_cast<unsigned int>(more);
+}
+
+/// Units to ask for where `remaining` more are expected. What no store can have stays so, as a
+/// number that is an `int`.
+int estimate(float remaining) {
+    return static_cast<int>(std::min(remaining, static_cast<float>(StrBuf1::greatestCapacity))) + 1;
 }
 
 void moveUnits(char16_t* target, const char16_t* source, int count) {
@@ -44,7 +48,7 @@ Str1::Str1(unsigned int capacity) { attach(StrBuf1::newStrBuf1Cap(capacity), 0);
 Str1::Str1(const Str1& other) noexcept { setTo(other); }
 
 Str1::Str1(const Str1& other, int start, int end) {
-    end = end < 0 || end > other.length_ ? other.length_ : end;
+    end = end == -1 || end > other.length_ ? other.length_ : end;
     if (start < 0 || start >= end) {
         return;
     }
@@ -98,12 +102,11 @@ void Str1::reset() noexcept {
 
 Str1& Str1::copy(const char16_t* text, int length) {
     length = measured(text, length);
-    offset_ = 0;
     if (length > 0) {
-        length_ = 0; // nothing of the old text is kept
         ensureCapacity1(sum(length, 0), 0, 0);
         moveUnits(writable(), text, length);
     }
+    offset_ = 0;
     length_ = length;
     return *this;
 }
@@ -163,8 +166,8 @@ inline bool Str1::appendInPlace(char16_t unit) noexcept {
 }
 
 Str1& Str1::append(const Str1& text, int count, int start) {
-    const bool whole = count < 0 || start < 0 || count > text.length_ - start;
-    const Str1 part(text, start, whole ? -1 : start + count);
+    const bool whole = count == -1 || start < 0 || count > text.length_ - start;
+    const Str1 part(text, start, whole ? -1 : start + std::max(count, 0));
     if (buffer_ == nullptr) {
         return setTo(part);
     }
@@ -181,14 +184,12 @@ Str1& Str1::append(const String& text) {
 StrBuf1* Str1::fastAllocBuffer(unsigned int) { return nullptr; }
 
 int Str1::ensureCapacity1(unsigned int needed, int keepStart, int keepEnd) {
-    const int kept = std::max((keepEnd < 0 ? length_ : keepEnd) - keepStart, 0);
+    const int kept = std::max((keepEnd == -1 ? length_ : keepEnd) - keepStart, 0);
     if (buffer_ != nullptr) {
         const unsigned int held = buffer_->isPrivatelyHeld(0);
-        if (held != 0 && kept == 0) {
-            offset_ = 0;
-        }
-        const auto offset = static_cast<unsigned int>(offset_);
+        const auto offset = kept == 0 ? 0u : static_cast<unsigned int>(offset_);
         if (held != 0 && offset + needed <= held) {
+            offset_ = static_cast<int>(offset);
             return static_cast<int>(held - offset);
         }
         if (held != 0 && offset > 0 && needed <= held) {
@@ -294,9 +295,7 @@ std::int32_t Str1::copyA(const signed char* bytes, int length, const char16_t* e
 }
 
 std::int32_t Str1::appendA(const signed char* bytes, int length, const char16_t* encoding) try {
-    if (length < 0) {
-        length = QVStrLenA_32(reinterpret_cast<const char*>(bytes));
-    }
+    length = measured(reinterpret_cast<const char*>(bytes), length);
     if (length == 0) {
         return QV_S_OK;
     }
@@ -320,7 +319,7 @@ std::int32_t Str1::appendA(const signed char* bytes, int length, const char16_t*
         }
         const float remaining = static_cast<float>(length - consumed) *
                                 (static_cast<float>(written) / static_cast<float>(progress));
-        ensureCapacity1(sum(length_ + written, static_cast<int>(remaining) + 1), 0, -1);
+        ensureCapacity1(sum(length_ + written, estimate(remaining)), 0, -1);
         append(chunk, written);
     }
 } catch (const Exception& exception) {
@@ -330,7 +329,7 @@ std::int32_t Str1::appendA(const signed char* bytes, int length, const char16_t*
 std::int32_t Str1::convertToA(char* out, int size, CharToByteConverter& encoder, int* written,
                               int* position) const {
     std::int32_t bytes = 0;
-    std::int32_t consumed = position != nullptr ? std::max(*position, 0) : 0;
+    std::int32_t consumed = position != nullptr ? std::clamp(*position, 0, length_) : 0;
     const std::int32_t result = toResult([&] {
         encoder.convert(getData0(), &consumed, length_, reinterpret_cast<signed char*>(out), &bytes,
                         size);
@@ -399,7 +398,7 @@ std::int32_t Str1::convertToAZ(char* out, int size, const char16_t* encoding, in
 
 OwningArray<char> Str1::getBytesAZ(const char16_t* encoding) const {
     const Reference<CharToByteConverter> encoder(CharToByteConverter::getConverter(encoding));
-    const int capacity = encoder->getMaxBytesPerChar() * length_;
+    const int capacity = detail::checkedSize(encoder->getMaxBytesPerChar(), length_, 1) - 1;
     OwningArray<char> bytes(new char[static_cast<std::size_t>(capacity) + 1]);
     int written = 0;
     throwIfFailed(convertToA(bytes.get(), capacity, *encoder, &written, nullptr));

@@ -5,26 +5,11 @@
 #include "qv/util/BufferLocks.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace qv {
 
 using text::charset::ByteToCharConverter;
 using text::charset::CharToByteConverter;
-
-namespace {
-
-/// Room for `count` characters of `unitSize` at most, as a converter says it, and `more`.
-/// @throws std::bad_alloc where that is no `int`.
-int checkedSize(int unitSize, std::int64_t count, int more = 0) {
-    const std::int64_t size = std::max(unitSize, 0) * count + more;
-    if (size > std::numeric_limits<int>::max()) {
-        throw std::bad_alloc();
-    }
-    return static_cast<int>(size);
-}
-
-} // namespace
 
 // --- Narrow output ---
 
@@ -54,7 +39,7 @@ void String::getBytes(util::IByteBuffer* out, const char16_t* encoding) const {
         const Reference<CharToByteConverter> encoder(CharToByteConverter::getConverter(encoding));
         bytesPerChar = encoder->getMaxBytesPerChar();
     }
-    const int capacity = checkedSize(bytesPerChar, std::int64_t{reader.length()} + 1);
+    const int capacity = detail::checkedSize(bytesPerChar, std::int64_t{reader.length()} + 1);
     util::BufferWriteLock<signed char> lock(*out, capacity);
     lock.setLength(getBytes(lock.getData(), capacity, encoding));
 }
@@ -95,16 +80,15 @@ String& String::setTo(const char* bytes, int length, const char16_t* encoding) {
 
 String& String::internalSetTo(const char* bytes, int length, const char16_t* encoding,
                               int capacity) {
-    if (length < 0) {
-        length = bytes == nullptr ? 0 : QVStrLenA_32(bytes);
-    }
+    length = detail::measured(bytes, length);
     // Held to the end: the bytes may be the narrow form itself.
     const auto dropped = Reference<AnsiBytes>::adopt(std::exchange(narrowCache_, nullptr));
     if (length < 1 && capacity < 1) {
         return setAddRef(String());
     }
     const Reference<ByteToCharConverter> decoder(ByteToCharConverter::getConverter(encoding));
-    const int needed = std::max(capacity, checkedSize(decoder->getMaxCharsPerByte(), length, 1));
+    const int needed =
+        std::max(capacity, detail::checkedSize(decoder->getMaxCharsPerByte(), length, 1));
     const Reference<util::RWCharBuffer> decoded(new util::RWCharBuffer(needed));
     util::BufferWriteLock<char16_t> lock(*decoded, needed);
     std::int32_t consumed = 0;
@@ -123,8 +107,8 @@ String& String::internalSetTo(const char* bytes, int length, const char16_t* enc
 }
 
 String::String(const wchar_t* text, int length) : String() {
-    const std::size_t count =
-        length >= 0 ? static_cast<std::size_t>(length) : std::char_traits<wchar_t>::length(text);
+    const std::size_t count = length == -1 ? std::char_traits<wchar_t>::length(text)
+                                           : static_cast<std::size_t>(std::max(length, 0));
     if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
         replace(0, -1, reinterpret_cast<const char16_t*>(text), static_cast<int>(count), 0);
     } else {

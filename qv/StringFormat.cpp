@@ -19,9 +19,9 @@ using Text = std::u16string_view;
 Text asText(const char16_t* text) { return {text, static_cast<std::size_t>(QVStrLenW_32(text))}; }
 
 /// The pattern with each placeholder whose index is below the number of texts filled, in a new
-/// buffer counted for the caller.
-IQVCharBuffer* takeFilled(Text pattern, const detail::Placeholders& placeholders,
-                          std::span<const Text> texts) {
+/// buffer.
+Reference<util::RWCharBuffer> filledBuffer(Text pattern, const detail::Placeholders& placeholders,
+                                           std::span<const Text> texts) {
     std::size_t length = pattern.size();
     for (const detail::Placeholder& placeholder : placeholders.all()) {
         if (placeholder.index < texts.size()) {
@@ -46,7 +46,17 @@ IQVCharBuffer* takeFilled(Text pattern, const detail::Placeholders& placeholders
     target += pattern.copy(target, Text::npos, copied);
     *target = 0;
     buffer->util::RWCharBuffer::releaseWriteLock(static_cast<int>(length) + 1);
-    return buffer.detach();
+    return buffer;
+}
+
+/// True if a string may take a new buffer of `capacity` units in place of `buffer` where it would
+/// write to it: it had to separate from it, or grow it. A foreign buffer of which the string is the
+/// only holder is for writing through, and room that was reserved stays.
+bool givesWay(IQVCharBuffer* buffer, int capacity) noexcept {
+    if (const auto* own = detail::exactly<util::RWCharBuffer>(buffer)) {
+        return own->GetRefCount() > 1 || own->getCapacity() <= capacity;
+    }
+    return detail::exactly<util::ROCharBuffer>(buffer) != nullptr;
 }
 
 template <class Value>
@@ -82,9 +92,14 @@ const String& String::formatTexts(const char16_t* pattern, int length, const cha
     std::vector<Text> many(used > few ? used : 0);
     Text* const arguments = used > few ? many.data() : place.data();
     std::transform(texts, texts + used, arguments, asText);
-    IQVCharBuffer* const filled = takeFilled(whole, placeholders, {arguments, used});
+    // An argument may be the string's own text: it is read before that is written.
+    Reference filled = filledBuffer(whole, placeholders, {arguments, used});
+    if (!givesWay(buffer_, filled->getCapacity())) {
+        return replace(0, -1, filled->util::RWCharBuffer::getData(),
+                       filled->util::RWCharBuffer::getLength() - 1, 0);
+    }
     dropNarrowCache();
-    adopt(filled);
+    adopt(filled.detach());
     return *this;
 }
 

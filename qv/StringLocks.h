@@ -3,25 +3,13 @@
 #include "qv/ErrorRule.h"
 #include "qv/String.h"
 #include "qv/detail/Exactly.h"
+#include "qv/detail/Lengths.h"
 #include "qv/util/ROBuffer.h"
 #include "qv/util/RWBuffer.h"
-#include "qvcore/Text.h"
 
 /// How the string's own members reach its units. The two buffers that a string makes itself have no
 /// lock and are reached directly; every other inner buffer is reached through its lock protocol.
 namespace qv {
-
-namespace detail {
-
-/// The number of units that `length` stands for, where a negative one means up to the terminator.
-inline int measured(const char16_t* text, int length) noexcept {
-    if (length >= 0) {
-        return length;
-    }
-    return text == nullptr ? 0 : QVStrLenW_32(text);
-}
-
-} // namespace detail
 
 /// Scoped read access to a string's units.
 class String::Reader {

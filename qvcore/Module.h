@@ -9,8 +9,8 @@ QVCORE_API void QVModuleSetInitialized(uint64_t identity, int32_t initialized) Q
 QVCORE_API int32_t QVModuleIsInitialized(uint64_t identity) QVCORE_NOEXCEPT;
 
 /// Has `before` called in front of a fork, `after` behind it in both processes, until
-/// QVModuleForgetFork. They must not load or unload modules, nor call this. A second registration of
-/// `before` takes the place of the first. Nothing happens on systems without fork.
+/// QVModuleForgetFork. They must not load or unload modules, nor call this. A second registration
+/// of `before` takes the place of the first. Nothing happens on systems without fork.
 QVCORE_API int32_t QVModuleOnFork(void (*before)(void), void (*after)(void)) QVCORE_NOEXCEPT;
 /// Ends what QVModuleOnFork began with `before`: to be called before the module that holds it goes.
 /// Waits for a fork that is under way. Unknown functions are ignored.

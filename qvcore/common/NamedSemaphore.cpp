@@ -84,26 +84,8 @@ public:
     }
 
     std::int32_t open(const std::string& name, std::uint32_t value) {
-        std::int32_t result = openSharedBlock(memory_, name, sizeof(SemaphoreBlock), 0600,
-                                              [](const void*) { return QV_S_OK; });
-        if (result < 0) {
-            return result;
-        }
-        block_ = static_cast<SemaphoreBlock*>(memory_.address());
-        result = guard_.open(block_->guard, name, memory_.isNew());
-        if (result >= 0) {
-            if (memory_.isNew()) {
-                block_->isLock = value == 1;
-                block_->count.store(value);
-                block_->head.magic.store(SharedHead::expectedMagic);
-            }
-            result = underGuard([](SemaphoreBlock&, ProcessEntry&) { return QV_S_OK; });
-        }
-        if (result < 0 && memory_.isNew()) {
-            memory_.discard();
-        }
-        memory_.unlock();
-        return result;
+        return openSharedBlock(memory_, name, sizeof(SemaphoreBlock), 0600,
+                               [&] { return enter(name, value); });
     }
 
     std::int32_t wait() override {
@@ -150,6 +132,21 @@ public:
 private:
     /// Milliseconds between two looks for holders that have ended.
     static constexpr std::uint32_t slice = 50;
+
+    /// Makes the process one of those that use the block, which is set up if it is new.
+    std::int32_t enter(const std::string& name, std::uint32_t value) {
+        block_ = static_cast<SemaphoreBlock*>(memory_.address());
+        const std::int32_t result = guard_.open(block_->guard, name, memory_.isNew());
+        if (result < 0) {
+            return result;
+        }
+        if (memory_.isNew()) {
+            block_->isLock = value == 1;
+            block_->count.store(value);
+            block_->head.magic.store(SharedHead::expectedMagic);
+        }
+        return underGuard([](SemaphoreBlock&, ProcessEntry&) { return QV_S_OK; });
+    }
 
     /// Takes one from the count. If there is none, `mark` is where to wait from.
     std::int32_t tryWait(std::uint32_t& mark) {
@@ -207,22 +204,37 @@ private:
 
     /// Ends the process's part with its last handle, and the semaphore with the last process.
     void leave() noexcept {
-        if (memory_.lock() < 0) {
+        if (!lockAll()) {
             return;
         }
-        if (guard_.lock() >= 0) {
-            block_->replay();
-            if (--entry_->handles == 0) {
-                block_->giveBack(*entry_);
-                entry_->free();
-                guard_.announce();
-            }
-            guard_.unlock();
+        block_->replay();
+        if (--entry_->handles == 0) {
+            block_->giveBack(*entry_);
+            entry_->free();
+            guard_.announce();
         }
         if (!block_->head.processes.isUsed()) {
             memory_.discard();
         }
         memory_.unlock();
+        guard_.unlock();
+    }
+
+    /// Takes the block's lock, which keeps off those who open the name, and the guard. The two
+    /// sides of a fork share the block's lock: the guard keeps them apart, and each gives the lock
+    /// back under the guard only. So it is asked for once more there.
+    bool lockAll() noexcept {
+        while (memory_.lock() >= 0) {
+            if (guard_.lock() < 0) {
+                memory_.unlock();
+                return false;
+            }
+            if (memory_.isLockKept()) {
+                return true;
+            }
+            guard_.unlock();
+        }
+        return false;
     }
 
     NamedBlock memory_;

@@ -43,7 +43,7 @@ public:
     /// The entry of a process, or null.
     ProcessEntry* find(const ProcessIdentity& process) noexcept {
         for (ProcessEntry& entry : entries_) {
-            if (!entry.isFree() && entry.identity() == process) {
+            if (!entry.isFree() && entry.identity().isSame(process)) {
                 return &entry;
             }
         }

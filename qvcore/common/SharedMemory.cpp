@@ -78,18 +78,8 @@ public:
     }
 
     std::int32_t open(const std::string& name, std::uint32_t size, std::uint32_t permissions) {
-        const auto isLargeEnough = [size](const void* existing) {
-            return size > static_cast<const MemoryHeader*>(existing)->size ? QV_E_INVALIDARG
-                                                                           : QV_S_OK;
-        };
-        const std::int32_t result =
-            openSharedBlock(memory_, name, headerSpace + size, permissions, isLargeEnough);
-        if (result < 0) {
-            return result;
-        }
-        const std::int32_t joined = memory_.isNew() ? begin(size) : join();
-        memory_.unlock();
-        return joined;
+        return openSharedBlock(memory_, name, headerSpace + size, permissions,
+                               [=, this] { return memory_.isNew() ? begin(size) : join(size); });
     }
 
     std::int32_t attach(std::uint32_t access, void** address) {
@@ -116,16 +106,18 @@ private:
 
     std::int32_t begin(std::uint32_t size) noexcept {
         if (size == 0) {
-            memory_.discard();
             return QV_E_INVALIDARG;
         }
         header()->size = size;
-        const std::int32_t result = join();
+        const std::int32_t result = join(size);
         header()->head.magic.store(SharedHead::expectedMagic);
         return result;
     }
 
-    std::int32_t join() noexcept {
+    std::int32_t join(std::uint32_t size) noexcept {
+        if (size > header()->size) {
+            return QV_E_INVALIDARG;
+        }
         const ProcessIdentity self = currentProcess();
         header()->head.processes.freeEnded();
         entry_ = header()->head.processes.findOrTake(self);

@@ -3,40 +3,70 @@
 #include "qv/Results.h"
 #include "qvcore/common/ProcessTable.h"
 
+#include <optional>
 #include <string>
 #include <thread>
 
 namespace qv::core {
 
-/// Opens and locks a shared block, or makes it, zeroed. A block that processes left behind when
-/// they ended is put aside for a new one; and who makes a block clears away those that nobody asks
-/// for any more.
+/// The lock that came with a block's opening. Where it ends, the name is taken from the block,
+/// unless the block is to stay.
+class OpeningLock {
+public:
+    explicit OpeningLock(NamedBlock& block) noexcept : block_(block) {}
+    OpeningLock(const OpeningLock&) = delete;
+    OpeningLock& operator=(const OpeningLock&) = delete;
+    ~OpeningLock() {
+        if (!stays_) {
+            block_.discard();
+        }
+        block_.unlock();
+    }
+
+    void keepBlock() noexcept { stays_ = true; }
+
+private:
+    NamedBlock& block_;
+    bool stays_ = false;
+};
+
+/// Runs `use` on a block that has just been opened and locked, and unlocks it.
+/// @return the result of `use`; none if processes left the block behind when they ended.
+template <typename Use>
+std::optional<std::int32_t> useOpenedBlock(NamedBlock& block, Use use) {
+    OpeningLock lock(block);
+    if (block.isNew()) {
+        NamedBlock::discardUnused(SharedHead::isInUse);
+    } else if (SharedHead::isInUse(block.address(), block.size())) {
+        lock.keepBlock(); // others have it
+    } else {
+        return std::nullopt;
+    }
+    const std::int32_t result = use();
+    if (result >= 0) {
+        lock.keepBlock();
+    }
+    return result;
+}
+
+/// Opens a shared block, or makes it, zeroed, and runs `use` on it under its lock. A block that
+/// processes left behind when they ended is put aside for a new one; and who makes a block clears
+/// away those that nobody asks for any more.
 ///
-/// `isUsable` says whether an existing block may be used; its result is given back if not.
-/// @return on success the block is locked, and is new exactly if it says so.
-/// @throws std::bad_alloc.
-template <typename IsUsable>
+/// A new block whose `use` fails or throws goes again.
+/// @return the result of `use`, or that of the opening.
+/// @throws std::bad_alloc, and what `use` throws.
+template <typename Use>
 std::int32_t openSharedBlock(NamedBlock& block, const std::string& name, std::size_t size,
-                             std::uint32_t permissions, IsUsable isUsable) {
+                             std::uint32_t permissions, Use use) {
     for (;;) {
-        const std::int32_t result = block.openLocked(name, size, permissions);
-        if (result < 0) {
-            return result;
+        const std::int32_t opened = block.openLocked(name, size, permissions);
+        if (opened < 0) {
+            return opened;
         }
-        if (block.isNew()) {
-            NamedBlock::discardUnused(SharedHead::isInUse);
-            return QV_S_OK;
+        if (const std::optional<std::int32_t> result = useOpenedBlock(block, use)) {
+            return *result;
         }
-        if (SharedHead::isInUse(block.address(), block.size())) {
-            const std::int32_t usable = isUsable(block.address());
-            if (usable < 0) {
-                block.unlock();
-                block.close();
-            }
-            return usable;
-        }
-        block.discard();
-        block.unlock();
         block.close();
         std::this_thread::yield();
     }

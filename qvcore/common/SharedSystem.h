@@ -10,9 +10,12 @@ namespace qv::core {
 /// A process, told from an earlier one of the same number by its start.
 struct ProcessIdentity {
     std::uint32_t id;
+    /// 0 where the system did not tell it: then the number alone decides.
     std::uint64_t start;
 
-    bool operator==(const ProcessIdentity&) const = default;
+    bool isSame(const ProcessIdentity& other) const noexcept {
+        return id == other.id && (start == other.start || start == 0 || other.start == 0);
+    }
 };
 
 ProcessIdentity currentProcess() noexcept;
@@ -48,6 +51,9 @@ public:
 
     std::int32_t lock() noexcept;
     void unlock() noexcept;
+    /// False if the other side of a fork, which shares this object's lock, has given it back since
+    /// it was taken, and somebody else has it.
+    bool isLockKept() noexcept;
 
     /// True if openLocked made the block.
     bool isNew() const noexcept { return isNew_; }

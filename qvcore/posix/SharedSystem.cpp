@@ -7,9 +7,10 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
-#include <filesystem>
 #include <linux/futex.h>
+#include <memory>
 #include <new>
 #include <pthread.h>
 #include <string_view>
@@ -82,6 +83,15 @@ std::int32_t mapFile(int descriptor, std::size_t size, bool isWritable, void** a
     return QV_S_OK;
 }
 
+/// Takes the memory of a new file now: what cannot be had later would end the process.
+std::int32_t reserve(int descriptor, std::size_t size) noexcept {
+    int error = EINTR;
+    while (error == EINTR) {
+        error = posix_fallocate(descriptor, 0, static_cast<off_t>(size));
+    }
+    return QVResultFromNative(static_cast<std::uint32_t>(error));
+}
+
 /// A file of shared memory while it is being opened; locked.
 class LockedFile {
 public:
@@ -128,10 +138,14 @@ bool isRunning(const ProcessIdentity& process) noexcept {
         return false;
     }
     const ProcessStatus status(process.id);
-    return !status.isKnown || (!status.hasEnded() && status.start == process.start);
+    return !status.isKnown || (!status.hasEnded() && process.isSame({process.id, status.start}));
 }
 
 namespace {
+
+struct CloseFolder {
+    void operator()(DIR* folder) const noexcept { closedir(folder); }
+};
 
 using IsInUse = bool (*)(const void* memory, std::size_t size);
 
@@ -166,11 +180,10 @@ std::int32_t NamedBlock::openLocked(const std::string& name, std::size_t size,
         }
         isNew_ = file.size() == 0;
         parts_.size = isNew_ ? size : file.size();
-        // Memory that cannot be had later would end the process, so it is taken now.
-        const int error =
-            isNew_ ? posix_fallocate(file.get(), 0, static_cast<off_t>(parts_.size)) : 0;
-        result = error == 0 ? mapFile(file.get(), parts_.size, true, &parts_.address)
-                            : QVResultFromNative(static_cast<std::uint32_t>(error));
+        result = isNew_ ? reserve(file.get(), size) : QV_S_OK;
+        if (result >= 0) {
+            result = mapFile(file.get(), parts_.size, true, &parts_.address);
+        }
         if (result >= 0) {
             parts_.file = fromDescriptor(file.release());
         } else if (isNew_) {
@@ -199,6 +212,12 @@ void NamedBlock::unlock() noexcept {
     flock(toDescriptor(parts_.file), LOCK_UN);
 }
 
+bool NamedBlock::isLockKept() noexcept {
+    // To take what one has is no change.
+    const int descriptor = toDescriptor(parts_.file);
+    return restarted([=] { return flock(descriptor, LOCK_EX | LOCK_NB); }) == 0;
+}
+
 std::int32_t NamedBlock::map(bool isWritable, void** address) const noexcept {
     return mapFile(toDescriptor(parts_.file), parts_.size, isWritable, address);
 }
@@ -214,12 +233,12 @@ void NamedBlock::discard() noexcept {
 }
 
 void NamedBlock::discardUnused(IsInUse isInUse) {
-    // The blocks are files of this folder, though only their names are used.
-    std::error_code error;
-    std::filesystem::directory_iterator files("/dev/shm", error);
+    // The blocks are files of this folder, though only their names are used. The language's own
+    // iterator would end the process where memory runs out.
     const std::string prefix = systemPrefix();
-    for (; !error && files != std::filesystem::directory_iterator(); files.increment(error)) {
-        const std::string name = std::string("/").append(files->path().filename().string());
+    const std::unique_ptr<DIR, CloseFolder> folder(opendir("/dev/shm"));
+    while (const dirent* file = folder == nullptr ? nullptr : readdir(folder.get())) {
+        const std::string name = std::string("/").append(file->d_name);
         if (name.starts_with(prefix)) {
             discardIfUnused(name, isInUse);
         }

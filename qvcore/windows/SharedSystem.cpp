@@ -71,7 +71,7 @@ bool isRunning(const ProcessIdentity& process) noexcept {
     if (opened == nullptr) {
         return GetLastError() == ERROR_ACCESS_DENIED;
     }
-    const bool result = startOf(opened) == process.start && !hasEnded(opened);
+    const bool result = process.isSame({process.id, startOf(opened)}) && !hasEnded(opened);
     CloseHandle(opened);
     return result;
 }
@@ -116,6 +116,8 @@ void NamedBlock::close() noexcept {
 std::int32_t NamedBlock::lock() noexcept { return lockMutex(parts_.lock); }
 
 void NamedBlock::unlock() noexcept { ReleaseMutex(toNative(parts_.lock)); }
+
+bool NamedBlock::isLockKept() noexcept { return true; } // there is no fork
 
 std::int32_t NamedBlock::map(bool isWritable, void** address) const noexcept {
     return mapView(parts_.file, isWritable, address);

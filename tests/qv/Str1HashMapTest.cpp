@@ -158,6 +158,37 @@ TEST(Str1HashMapTest, GrowthReversesChainsFromTheLastBucket) {
     EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"a", u"d", u"b"}));
 }
 
+TEST(Str1HashMapTest, GrowthWalksTheOldBucketsFromTheLast) {
+    Map map(2, 1.0f);
+    map.put(Str1Copy(u"a"), Str1()); // 97 stands in bucket 1
+    map.put(Str1Copy(u"f"), Str1()); // 102 in bucket 0
+    map.put(Str1Copy(u"b"), Str1());
+    EXPECT_EQ(map.getCapacity(), 5);
+    // 97 and 102 leave 2 by 5, and the one moved last comes first; 98 leaves 3.
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"f", u"a", u"b"}));
+}
+
+TEST(Str1HashMapTest, KeysHashByThirtySevens) {
+    Map map(1000, 1.0f);
+    // 97 * 37 + 98 is 3687, 98 * 37 + 97 is 3723, 99 * 37 + 37 is 3700, 108 * 37 + 4 is 4000.
+    for (const char16_t* text : {u"ab", u"ba", u"c%", u"l\x0004"}) {
+        map.put(Str1Copy(text), Str1());
+    }
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"l\x0004", u"ab", u"c%", u"ba"}));
+    Map small(3, 1.0f);
+    small.put(Str1Copy(u"ab"), Str1()); // bucket 0
+    small.put(Str1Copy(u"bb"), Str1()); // 98 * 37 + 98 is 3724: bucket 1
+    EXPECT_EQ(keys(small), (std::vector<std::u16string>{u"ab", u"bb"}));
+}
+
+TEST(Str1HashMapTest, EmptyKeyStandsInTheFirstBucket) {
+    Map map(10, 1.0f);
+    map.put(Str1(), Str1());
+    map.put(Str1Copy(u"d"), Str1()); // 100: bucket 0, in front of what stands there
+    map.put(Str1Copy(u"e"), Str1()); // 101: bucket 1
+    EXPECT_EQ(keys(map), (std::vector<std::u16string>{u"d", u"", u"e"}));
+}
+
 TEST(Str1HashMapTest, ClearKeepsTheCapacity) {
     Map map;
     for (int i = 0; i < 200; ++i) {

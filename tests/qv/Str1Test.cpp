@@ -1,12 +1,18 @@
 #include "qv/Str1.h"
 
+#include "qv/ClassManager.h"
 #include "qv/Exceptions.h"
 #include "qv/Results.h"
+#include "qv/text/charset/ByteToCharConverter.h"
+#include "qv/text/charset/CharToByteConverter.h"
+#include "qv/text/charset/CodecManager.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <limits>
+#include <utility>
 
 using namespace qv;
 using support::units;
@@ -144,6 +150,60 @@ TEST(Str1Test, SubstringIsAView) {
     EXPECT_EQ(units(view), u"56");
 }
 
+TEST(Str1Test, NewReferenceIsTakenBeforeTheOldOneIsReleased) {
+    Str1 text = Str1Copy(u"0123456789");
+    ASSERT_EQ(storeOf(text)->getRefCount(), 1u);
+    const char16_t* const data = text.getData1();
+    EXPECT_EQ(&text.setTo(text), &text);
+    EXPECT_EQ(text.getData1(), data);
+    EXPECT_EQ(storeOf(text)->getRefCount(), 1u);
+    EXPECT_EQ(units(text), u"0123456789");
+    text.setTo(text.substring(4));
+    EXPECT_EQ(storeOf(text)->getRefCount(), 1u);
+    EXPECT_EQ(units(text), u"456789");
+}
+
+TEST(Str1Test, OnlyMinusOneMeasures) {
+    char16_t memory[8] = u"abc";
+    for (const int length : {-2, std::numeric_limits<int>::min()}) {
+        Str1 text = Str1Copy(u"old");
+        EXPECT_EQ(units(text.append(u"abc", length)), u"old");
+        EXPECT_TRUE(text.startsWith(u"abc", length)) << "an empty text";
+        EXPECT_EQ(units(text.copy(u"abc", length)), u"");
+        EXPECT_EQ(text.appendA(bytesOf("abc"), length, u"UTF-8"), 0);
+        EXPECT_EQ(units(text), u"");
+        EXPECT_EQ(units(Str1Copy(u"abc", length)), u"");
+        EXPECT_EQ(units(Str1Static(u"abc", length)), u"");
+        EXPECT_EQ(units(Str1Wrap(memory, length, 8)), u"");
+        EXPECT_EQ(units(Str1Local(memory, length, 8)), u"");
+        EXPECT_EQ(units(Str1Fixed<128>(u"abc", length)), u"");
+    }
+}
+
+TEST(Str1Test, OnlyMinusOneMeansTheRest) {
+    const Str1Copy source(u"0123456789");
+    for (const int negative : {-2, std::numeric_limits<int>::min()}) {
+        EXPECT_TRUE(source.substring(0, negative).isEmpty());
+        EXPECT_TRUE(source.substring(1, negative).isEmpty());
+        for (const int start : {0, 1, 5}) {
+            Str1 text = Str1Copy(u"-");
+            EXPECT_EQ(units(text.append(source, negative, start)), u"-") << start;
+            Str1 none;
+            EXPECT_TRUE(none.append(source, negative, start).isEmpty()) << start;
+        }
+    }
+}
+
+TEST(Str1Test, CountOfNoneAppendsNothing) {
+    const Str1Copy source(u"0123456789");
+    for (const int start : {0, 3}) {
+        Str1 text = Str1Copy(u"-");
+        EXPECT_EQ(units(text.append(source, 0, start)), u"-");
+        Str1 none;
+        EXPECT_TRUE(none.append(source, 0, start).isEmpty());
+    }
+}
+
 TEST(Str1Test, TextsAreCopiedInFromEverySource) {
     Str1 text;
     EXPECT_EQ(units(text.copy(u"units")), u"units");
@@ -262,6 +322,21 @@ TEST(Str1Test, LengthBeyondTheStoreIsOutOfMemory) {
     EXPECT_THROW(text.append(u'x', 0x1000000), std::bad_alloc);
     EXPECT_THROW(text.append(u'x', std::numeric_limits<int>::max()), std::bad_alloc);
     EXPECT_EQ(units(text), u"abc");
+}
+
+TEST(Str1Test, FailedCopyLeavesTheText) {
+    constexpr int tooLong = 0x1000000; // so that the source is not looked at
+    const Str1 whole = Str1Copy(u"0123456789");
+    Str1 view = whole.substring(4, 8); // shares the store
+    EXPECT_THROW(view.copy(u"", tooLong), std::bad_alloc);
+    EXPECT_EQ(units(view), u"4567");
+    Str1 alone = Str1Copy(u"0123456789");
+    alone.setTo(alone.substring(4, 8)); // holds a store by itself, from an offset on
+    EXPECT_THROW(alone.copy(u"", tooLong), std::bad_alloc);
+    EXPECT_EQ(units(alone), u"4567");
+    Str1Fixed<128> home(u"home");
+    EXPECT_THROW(home.copy(u"", tooLong), std::bad_alloc);
+    EXPECT_EQ(units(home), u"home");
 }
 
 TEST(Str1Test, LongTextsGrowUnitByUnit) {
@@ -465,6 +540,17 @@ TEST(Str1AppendorTest, NothingAppendedToAStringWithoutAStoreLeavesItSo) {
     EXPECT_EQ(units(text), u"a");
 }
 
+TEST(Str1AppendorTest, ResyncForgetsTheRoomThatWasLeft) {
+    Str1 text;
+    Str1::Appendor appendor(text, 100, 10);
+    appendor.fastAppend(u"abc", 3);
+    text.reset();
+    appendor.resync();
+    appendor.fastAppend(u"def", 3);
+    EXPECT_EQ(units(text), u"def") << "it asked for room again";
+    EXPECT_EQ(capacityOf(text), 16u) << "13 units, rounded";
+}
+
 TEST(Str1AppendorTest, ResyncFollowsOtherChanges) {
     Str1 text;
     Str1::Appendor appendor(text, 10, 10);
@@ -624,6 +710,70 @@ TEST(Str1BytesTest, LongBytesAreDecodedThroughChunks) {
     EXPECT_EQ(units(text), expected);
 }
 
+TEST(Str1BytesTest, RoomForTheRestIsEstimatedFromTheFirstChunk) {
+    Str1 text = Str1Copy(u"old text");
+    const std::string bytes(2000, 'a');
+    EXPECT_EQ(text.copyA(bytesOf(bytes.c_str()), -1, u"UTF-8"), 0);
+    EXPECT_EQ(text.getLength(), 2000);
+    // 512 units and an estimate of 1488 and 1 more, for an empty text: 2001, rounded.
+    EXPECT_EQ(capacityOf(text), 2016u);
+}
+
+/// Encodes nothing and says that a character may take more room than there is; decodes each byte as
+/// as many units as there is room for.
+class GreedyEncoder : public text::charset::CharToByteConverter {
+public:
+    std::int32_t convert(const char16_t*, std::int32_t* position, std::int32_t end, signed char*,
+                         std::int32_t*, std::int32_t) override {
+        *position = end;
+        return 0;
+    }
+    std::int32_t flush(signed char*, std::int32_t*, std::int32_t) override { return 0; }
+    void reset() override {}
+    const char16_t* getEncodingName() override { return u"x-Greedy"; }
+    int getMaxBytesPerChar() override { return 0x40000000; }
+    int getMaxCharsPerByte() override { return 0x40000000; }
+};
+
+class GreedyDecoder : public text::charset::ByteToCharConverter {
+public:
+    std::int32_t convert(const signed char*, std::int32_t* position, std::int32_t, char16_t* out,
+                         std::int32_t* written, std::int32_t size) override {
+        ++*position;
+        std::fill(out + *written, out + size, u'x');
+        return size - std::exchange(*written, size);
+    }
+    std::int32_t flush(char16_t*, std::int32_t*, std::int32_t) override { return 0; }
+    void reset() override {}
+    const char16_t* getEncodingName() override { return u"x-Greedy"; }
+    int getMaxBytesPerChar() override { return 1; }
+    int getMaxCharsPerByte() override { return 512; }
+};
+
+/// The name of an encoding whose converters ask for more than there is.
+const char16_t* greedyEncoding() {
+    ClassManagerBase* const classes = ClassManager::getInstance();
+    classes->registerClass(u"test::GreedyEncoder", &typeid(GreedyEncoder),
+                           []() -> Object* { return new GreedyEncoder; });
+    classes->registerClass(u"test::GreedyDecoder", &typeid(GreedyDecoder),
+                           []() -> Object* { return new GreedyDecoder; });
+    text::charset::CodecManager::getInstance()->registerCodec(u"x-Greedy", u"test::GreedyEncoder",
+                                                              u"test::GreedyDecoder");
+    return u"x-Greedy";
+}
+
+TEST(Str1BytesTest, BytesBeyondAllNumbersAreOutOfMemory) {
+    EXPECT_THROW(Str1Copy(u"abc").getBytesAZ(greedyEncoding()), std::bad_alloc);
+    EXPECT_THROW(Str1Copy(u"abcd").getBytesAZ(greedyEncoding()), std::bad_alloc);
+}
+
+TEST(Str1BytesTest, EstimateBeyondAllNumbersIsOutOfMemory) {
+    const std::string bytes(0x800001, 'a'); // each byte is 512 units
+    Str1 text = Str1Copy(u"text");
+    EXPECT_THROW(text.appendA(bytesOf(bytes.c_str()), -1, greedyEncoding()), std::bad_alloc);
+    EXPECT_EQ(units(text), u"text");
+}
+
 TEST(Str1BytesTest, FailuresAreResults) {
     Str1 text;
     EXPECT_EQ(text.appendA(bytesOf("ab\xC3"), -1, u"UTF-8"), QV_E_FAIL);
@@ -670,12 +820,24 @@ TEST(Str1BytesTest, NarrowFormIsWrittenAndTerminated) {
 
 TEST(Str1BytesTest, PositionsOutsideTheTextReadNothingOutsideIt) {
     char out[16];
+    for (const int start : {1, 3, std::numeric_limits<int>::max()}) {
+        int written = -1;
+        int position = start;
+        EXPECT_EQ(Str1().convertToAZ(out, 16, u"UTF-8", &written, &position), 0);
+        EXPECT_STREQ(out, "");
+        EXPECT_EQ(written, 0);
+        EXPECT_EQ(position, 0) << "where it ended";
+        int length = -1;
+        EXPECT_EQ(Str1().getLengthA(&length, u"UTF-8", start), 0);
+        EXPECT_EQ(length, 0);
+    }
     for (const int start : {3, 4, std::numeric_limits<int>::max()}) {
         int written = -1;
         int position = start;
         EXPECT_EQ(Str1Copy(u"abc").convertToAZ(out, 16, u"UTF-8", &written, &position), 0);
         EXPECT_STREQ(out, "");
         EXPECT_EQ(written, 0);
+        EXPECT_EQ(position, 3) << "where it ended";
         int length = -1;
         EXPECT_EQ(Str1Copy(u"abc").getLengthA(&length, u"UTF-8", start), 0);
         EXPECT_EQ(length, 0);

@@ -6,10 +6,12 @@
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstdarg>
 #include <gtest/gtest.h>
 #include <limits>
+#include <utility>
 
 using namespace qv;
 
@@ -136,6 +138,43 @@ TEST(StringBytesTest, CallersMemoryTakesTextAndTerminator) {
     EXPECT_EQ(String(u"abc").getBytes(narrow, 0, u"ISO8859_1"), 0);
 }
 
+/// What an encoding makes of "a" and a supplementary character, each in a form of its own, and of
+/// the terminator.
+struct CutForm {
+    const char16_t* encoding;
+    std::string first;
+    std::string second;
+    std::size_t zeros;
+};
+
+class StringCutTest : public testing::TestWithParam<CutForm> {};
+
+TEST_P(StringCutTest, NoCharacterIsCutInTheMiddle) {
+    const CutForm& form = GetParam();
+    const std::string whole = form.first + form.second;
+    for (std::size_t size = 0; size <= whole.size() + form.zeros + 2; ++size) {
+        const std::size_t fitting = size < form.first.size() ? 0
+                                    : size < whole.size()    ? form.first.size()
+                                                             : whole.size();
+        const std::size_t zeros = std::min(form.zeros, size - fitting);
+        const std::string expected = whole.substr(0, fitting) + std::string(zeros, '\0');
+        std::string memory(32, 'x');
+        const std::int32_t written =
+            String(u"a\U0001F600")
+                .getBytes(memory.data(), static_cast<std::int32_t>(size), form.encoding);
+        EXPECT_EQ(written, static_cast<std::int32_t>(expected.size())) << size;
+        EXPECT_EQ(memory, expected + std::string(32 - expected.size(), 'x')) << size;
+    }
+}
+
+const CutForm cutForms[] = {
+    {u"UTF-8", "a", "\xF0\x9F\x98\x80", 6},
+    {u"UTF-32LE", std::string("a\0\0\0", 4), std::string("\x00\xF6\x01\x00", 4), 4},
+    {u"AMP-7", "a", "&_1F600;", 8},
+    {u"CP1252", "a", "?", 1},
+};
+INSTANTIATE_TEST_SUITE_P(Encodings, StringCutTest, testing::ValuesIn(cutForms));
+
 TEST(StringBytesTest, UnmappableCharactersAreSubstituted) {
     EXPECT_STREQ(String(u"a€b").getBytes(u"ISO8859_1"), "a?b");
 }
@@ -176,6 +215,16 @@ TEST(StringBytesTest, BytesAreDecoded) {
     EXPECT_EQ(String(nullptr, 0, u"UTF-8", 0).getData(), String().getData());
     EXPECT_EQ(String(static_cast<const signed char*>(nullptr), 0, u"UTF-8", 20).getLength(), 0);
     EXPECT_EQ(String(bytesOf("\x80"), -1, u"CP1252"), u"€");
+}
+
+TEST(StringBytesTest, OnlyMinusOneMeasuresBytes) {
+    for (const int length : {-2, std::numeric_limits<int>::min()}) {
+        EXPECT_EQ(String(bytesOf("abc"), length, u"UTF-8"), u"");
+        EXPECT_EQ(String(bytesOf("abc"), length, u"UTF-8", 20), u"");
+        String text(u"old");
+        EXPECT_EQ(text.setTo("abc", length, u"UTF-8"), u"");
+        EXPECT_EQ(text.getData(), String().getData());
+    }
 }
 
 TEST(StringBytesTest, DecodedTextHasTheRoomAskedFor) {
@@ -273,6 +322,103 @@ TEST(StringFormatTest, ManyIndices) {
     EXPECT_EQ(String().format(u"{10}{9}{8}{7}{6}{5}{4}{3}{2}{1}{0}", -1, u"a", u"b", u"c", u"d",
                               u"e", u"f", u"g", u"h", u"i", u"j", u"k"),
               u"kjihgfedcba");
+}
+
+/// A pattern of the placeholders "{0}" to "{count - 1}", and `behind` at its end.
+String patternOf(int count, const char16_t* behind) {
+    String pattern;
+    for (int i = 0; i < count; ++i) {
+        pattern += u"{";
+        pattern += String::valueOf(i);
+        pattern += u"}";
+    }
+    return pattern += behind;
+}
+
+/// The texts "<0>", "<1>" and so on, all given as arguments at once.
+template <std::size_t... indices>
+String filledByNumbers(const String& pattern, std::index_sequence<indices...>) {
+    const String texts[] = {String(u"<").append(String::valueOf(static_cast<int>(indices)))...};
+    String result;
+    result.format(pattern, texts[indices].getData()...);
+    return result;
+}
+
+TEST(StringFormatTest, IndicesBeyondAllWordsAreCounted) {
+    using Numbers = std::make_index_sequence<140>;
+    for (const int count : {63, 64, 65, 128, 130}) {
+        String expected;
+        for (int i = 0; i < count; ++i) {
+            expected += u"<";
+            expected += String::valueOf(i);
+        }
+        EXPECT_EQ(filledByNumbers(patternOf(count, u""), Numbers()), expected) << count;
+        // The index behind a gap stays as it stands.
+        const String gap = String(u"{").append(String::valueOf(count + 1)).append(u"}");
+        EXPECT_EQ(filledByNumbers(patternOf(count, gap.getData()), Numbers()), expected + gap)
+            << count;
+    }
+}
+
+/// A buffer of no class that a string knows, which may refuse to be written.
+class ForeignBuffer : public util::RWCharBuffer {
+public:
+    using RWBuffer::RWBuffer;
+    char16_t* getWriteLock(int capacity) override {
+        if (refuse) {
+            throw ResultException(QV_E_BUSY);
+        }
+        ++locks;
+        return RWBuffer::getWriteLock(capacity);
+    }
+    void releaseWriteLock(int length) override {
+        --locks;
+        RWBuffer::releaseWriteLock(length);
+    }
+    int locks = 0;
+    bool refuse = false;
+};
+
+TEST(StringFormatTest, TextGoesThroughAForeignBufferThatTheStringAloneHolds) {
+    auto* const buffer = new ForeignBuffer(u"own", 4);
+    String text(String::ACQUIRE_SHARE, buffer);
+    text.format(u"<{0}> and {1}", -1, text.getData(), u"more");
+    EXPECT_EQ(text, u"<own> and more");
+    EXPECT_EQ(text.getData(), buffer->getData());
+    EXPECT_EQ(buffer->getLength(), 15);
+    EXPECT_EQ(buffer->locks, 0);
+    EXPECT_EQ(text.format(u"", -1), u"");
+    EXPECT_EQ(buffer->getLength(), 1);
+}
+
+TEST(StringFormatTest, ForeignBufferThatIsSharedIsLeftToTheOthers) {
+    const Reference<ForeignBuffer> buffer(new ForeignBuffer(u"own", 4));
+    String text(String::ACQUIRE_SHARE, buffer.get());
+    text.format(u"<{0}>", -1, u"x");
+    EXPECT_EQ(text, u"<x>");
+    EXPECT_EQ(String(buffer.get()).getLength(), 4);
+    EXPECT_EQ(buffer->GetRefCount(), 1u);
+}
+
+TEST(StringFormatTest, RefusedWriteThrowsItsResultAndKeepsTheText) {
+    auto* const buffer = new ForeignBuffer(u"own", 4);
+    String text(String::ACQUIRE_SHARE, buffer);
+    buffer->refuse = true;
+    EXPECT_EQ(support::thrownResult([&] { text.format(u"<{0}>", -1, u"x"); }), QV_E_BUSY);
+    EXPECT_EQ(text, u"own");
+}
+
+TEST(StringFormatTest, RoomThatWasReservedStays) {
+    String text(200);
+    const char16_t* const data = text.getData();
+    text.format(u"<{0}>", -1, u"x");
+    EXPECT_EQ(text, u"<x>");
+    text.append(u'y', 190);
+    EXPECT_EQ(text.getData(), data);
+    EXPECT_EQ(text.getLength(), 193);
+    text.format(u"{0}{0}", -1, text.getData());
+    EXPECT_EQ(text.getLength(), 386);
+    EXPECT_TRUE(text.startsWith(u"<x>y")) << "its own text may be the argument";
 }
 
 TEST(StringFormatTest, OwnTextMayBeAnArgument) {

@@ -125,6 +125,43 @@ TEST(SemaphoreRThreadsTest, WorksUnderTheGuardItIsGiven) {
     guard->signal();
 }
 
+/// What the owner does under the guard waits while another thread has the guard.
+template <class Work>
+void expectToWaitForTheGuard(sync::Mutex& guard, Work work) {
+    std::promise<void> held;
+    std::promise<void> finished;
+    std::thread other([&] {
+        guard.wait();
+        held.set_value();
+        // The owner cannot come out in this time: it is the only sleep that there is.
+        EXPECT_EQ(finished.get_future().wait_for(std::chrono::milliseconds(50)),
+                  std::future_status::timeout);
+        guard.signal();
+    });
+    held.get_future().wait();
+    work();
+    finished.set_value();
+    other.join();
+}
+
+TEST(SemaphoreRThreadsTest, SignalsUnderTheGuard) {
+    const Reference<sync::Mutex> guard = make<sync::Mutex>();
+    ipc::SemaphoreR semaphore(uniqueName().c_str(), 1, guard);
+    semaphore.wait();
+    expectToWaitForTheGuard(*guard, [&] { semaphore.signal(); });
+    EXPECT_EQ(semaphore.getValue(), 1);
+}
+
+TEST(SemaphoreRThreadsTest, TriesUnderTheGuard) {
+    const Reference<sync::Mutex> guard = make<sync::Mutex>();
+    ipc::SemaphoreR semaphore(uniqueName().c_str(), 1, guard);
+    semaphore.wait();
+    expectToWaitForTheGuard(*guard, [&] { EXPECT_TRUE(semaphore.tryWait()); });
+    semaphore.signal();
+    EXPECT_EQ(semaphore.getValue(), 0) << "it was taken twice";
+    semaphore.signal();
+}
+
 TEST(SemaphoreRThreadsTest, HasAGuardOfItsOwnWhereItIsGivenNone) {
     const std::string name = uniqueName();
     ipc::Semaphore outside(name.c_str(), 0);

@@ -65,6 +65,15 @@ TEST(Str1AllocationTest, LowerCaseTextIsNotCopied) {
     EXPECT_EQ(allocations.count(), 0u);
 }
 
+TEST(Str1AllocationTest, UpperCaseTextIsNotCopied) {
+    Str1 text = Str1Copy(u"UPPER");
+    const Str1 sharer(text);
+    const Allocations allocations;
+    text.toUpper();
+    EXPECT_EQ(allocations.count(), 0u);
+    EXPECT_EQ(text.getData1(), sharer.getData1());
+}
+
 TEST(Str1AllocationTest, StoreAndHeaderAreOneAllocation) {
     const Allocations allocations;
     const Str1Copy text(u"a text");

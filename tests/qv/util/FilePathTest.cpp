@@ -179,6 +179,8 @@ const Parts parts[] = {
     {u"c.d.e", u"c.d.e", 0, false, u"", u"", u"c.d.e", u"c.d", u".e", u""},
     {u".e", u".e", 0, false, u"", u"", u".e", u"", u".e", u""},
     {u":x", u":x", 0, false, u"", u"", u":x", u":x", u"", u""},
+    {u":a:b", u":a:b", 0, false, u"", u"", u":a:b", u":a:b", u"", u""},
+    {u"C:a:b", u"C:a:b", 2, false, u"C:", u"C:", u"a:b", u"a:b", u"", u"C:"},
     {u"a/b/../c", u"a\\c", 0, false, u"", u"a", u"c", u"c", u"", u"a"},
     {u"dir/", u"dir\\", 0, false, u"", u"dir", u"", u"", u"", u"dir"},
     {u"C:\\a\\..\\", u"C:", 3, false, u"C:", u"C:", u"", u"", u"", u""},
@@ -221,6 +223,8 @@ TEST(FilePathTest, AbsolutePathStandsBehindTheCurrentDirectory) {
     EXPECT_TRUE(FilePath(current).isAbsolutePath());
     EXPECT_EQ(FilePath(u"a/../b").getAbsolutePath(), current + String(u"b"));
     EXPECT_EQ(FilePath(u"/x").getAbsolutePath(), u"\\x");
+    EXPECT_EQ(FilePath(u"C:a").getAbsolutePath(), u"C:a") << "a drive counts as absolute";
+    EXPECT_EQ(FilePath(u"C:\\a").getAbsolutePath(), u"C:\\a");
     EXPECT_EQ(FilePath(u"\\\\s\\h\\x").getAbsolutePath(), u"\\\\s\\h\\x");
 }
 
@@ -245,6 +249,24 @@ TEST(FilePathTest, CanonicalPathHasItsLimits) {
     EXPECT_EQ(support::thrownResult([&] { longPath.getCanonicalPath(); }), QV_E_PATHTOOLONG);
     const FilePath withNul{String(u"a\0b", 3)};
     EXPECT_EQ(support::thrownResult([&] { withNul.getCanonicalPath(); }), QV_E_INVALIDNAME);
+}
+
+TEST(FilePathTest, CanonicalPathTakesAsMuchAsFits) {
+    // Names that are not too long for a file system, up to the length wanted.
+    const auto ofLength = [](int length) {
+        String path = FilePath::getCurrentDir();
+        while (path.getLength() < length) {
+            const bool endsName = path.getLength() % 10 == 0 && path.getLength() + 1 < length;
+            path.append(endsName && !path.endsWith(u"\\") ? u'\\' : u'x');
+        }
+        return FilePath{path};
+    };
+    const FilePath longest = ofLength(260);
+    ASSERT_EQ(longest.getPath().getLength(), 260);
+    EXPECT_EQ(longest.getCanonicalPath(), longest.getPath());
+    const FilePath tooLong = ofLength(261);
+    ASSERT_EQ(tooLong.getPath().getLength(), 261);
+    EXPECT_EQ(support::thrownResult([&] { tooLong.getCanonicalPath(); }), QV_E_PATHTOOLONG);
 }
 
 TEST(FilePathTest, TemporaryDirectoryEndsInASeparator) {
