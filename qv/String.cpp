@@ -331,7 +331,8 @@ String& String::operator=(const String& other) {
 
 String& String::operator=(String&& other) {
     auto* const own = detail::exactly<util::RWCharBuffer>(other.buffer_);
-    if (this == &other || own == nullptr || own->GetRefCount() != 1) {
+    if (this == &other || own == nullptr || own->GetRefCount() != 1 ||
+        !detail::givesWay(buffer_, own->getCapacity())) {
         return *this = static_cast<const String&>(other);
     }
     dropNarrowCache();

@@ -49,16 +49,6 @@ Reference<util::RWCharBuffer> filledBuffer(Text pattern, const detail::Placehold
     return buffer;
 }
 
-/// True if a string may take a new buffer of `capacity` units in place of `buffer` where it would
-/// write to it: it had to separate from it, or grow it. A foreign buffer of which the string is the
-/// only holder is for writing through, and room that was reserved stays.
-bool givesWay(IQVCharBuffer* buffer, int capacity) noexcept {
-    if (const auto* own = detail::exactly<util::RWCharBuffer>(buffer)) {
-        return own->GetRefCount() > 1 || own->getCapacity() <= capacity;
-    }
-    return detail::exactly<util::ROCharBuffer>(buffer) != nullptr;
-}
-
 template <class Value>
 String integerText(Value value) {
     char digits[24];
@@ -94,7 +84,7 @@ const String& String::formatTexts(const char16_t* pattern, int length, const cha
     std::transform(texts, texts + used, arguments, asText);
     // An argument may be the string's own text: it is read before that is written.
     Reference filled = filledBuffer(whole, placeholders, {arguments, used});
-    if (!givesWay(buffer_, filled->getCapacity())) {
+    if (!detail::givesWay(buffer_, filled->getCapacity())) {
         return replace(0, -1, filled->util::RWCharBuffer::getData(),
                        filled->util::RWCharBuffer::getLength() - 1, 0);
     }

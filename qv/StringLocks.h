@@ -11,6 +11,20 @@
 /// lock and are reached directly; every other inner buffer is reached through its lock protocol.
 namespace qv {
 
+namespace detail {
+
+/// True if a string may take a new buffer of `capacity` units in place of `buffer` where it would
+/// write to it: it had to separate from it, or grow it. A foreign buffer of which the string is the
+/// only holder is for writing through, and room that was reserved stays.
+inline bool givesWay(IQVCharBuffer* buffer, int capacity) noexcept {
+    if (const auto* own = exactly<util::RWCharBuffer>(buffer)) {
+        return own->GetRefCount() > 1 || own->getCapacity() <= capacity;
+    }
+    return exactly<util::ROCharBuffer>(buffer) != nullptr;
+}
+
+} // namespace detail
+
 /// Scoped read access to a string's units.
 class String::Reader {
 public:

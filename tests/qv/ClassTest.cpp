@@ -3,6 +3,7 @@
 #include "qv/ClassManager.h"
 #include "qv/Exceptions.h"
 #include "qv/String.h"
+#include "qv/io/ByteArrayOutputStream.h"
 #include "qv/sync/LockObject.h"
 #include "tests/support/CountedObject.h"
 #include "tests/support/Printing.h"
@@ -95,6 +96,18 @@ TEST(ClassTest, EveryFactoryMakesAnInstanceOfItsClass) {
         },
         &factories);
     EXPECT_GT(factories, 20);
+}
+
+TEST(ClassTest, StreamsMadeByNameHaveTheirRoom) {
+    struct Open : io::ByteArrayOutputStream {
+        static auto capacity() { return &Open::getCapacity; }
+    };
+    const Reference<Object> bytes(Class::forName(u"CQVByteArrayOutputStream")->createInstance());
+    const auto* const out = dynamic_cast<io::ByteArrayOutputStream*>(bytes.get());
+    ASSERT_NE(out, nullptr);
+    EXPECT_EQ((out->*Open::capacity())(), 256);
+    const Reference<Object> text(Class::forName(u"CQVStringWriter")->createInstance());
+    EXPECT_EQ(text->toString().getData(), String().getData()) << "no room of its own";
 }
 
 TEST(ClassTest, LocksMadeByNameAreAsNewOnes) {

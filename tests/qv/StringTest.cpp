@@ -59,6 +59,13 @@ TEST(StringTest, LiteralIsReadWhereItStands) {
     EXPECT_EQ(String(u"lit"_lit).getLength(), 3);
 }
 
+TEST(StringTest, LiteralIsNotMeasured) {
+    EXPECT_EQ(String(u"a\0b"_lit).getLength(), 3);
+    EXPECT_EQ(String(u"a\0b"_lit)[2], u'b');
+    static constexpr STRUCT_QV_STR_LIT_INFO front{u"literal", 3};
+    EXPECT_EQ(String(front).getLength(), 3);
+}
+
 TEST(StringTest, CapacityGivesAnEmptyTextWithRoom) {
     String text(100);
     EXPECT_EQ(text.getLength(), 0);
@@ -267,6 +274,15 @@ TEST(StringTest, SetAddRefLeavesAStaleNarrowForm) {
     EXPECT_STREQ(text.getBytes(u"UTF-8"), "new text!");
 }
 
+TEST(StringTest, SetToOfUnitsCannotShareThem) {
+    char16_t memory[] = u"abc";
+    String text;
+    text.setTo(String::ACQUIRE_SHARE, memory, -1);
+    EXPECT_NE(text.getData(), memory);
+    memory[0] = u'x';
+    EXPECT_EQ(text, u"abc");
+}
+
 TEST(StringTest, SetToFollowsItsMode) {
     const String source(u"0123456789");
     String text(u"x");
@@ -388,6 +404,25 @@ TEST(StringTest, ForeignInnerBufferIsReachedThroughItsLocks) {
     buffer->refuse = true;
     EXPECT_EQ(support::thrownResult([&] { text.equals(u"abc"); }), QV_E_BUSY);
     EXPECT_EQ(support::thrownResult([&] { text.getReadLock(); }), QV_E_BUSY);
+}
+
+TEST(StringTest, TemporaryIsWrittenThroughAForeignInnerBuffer) {
+    auto* const buffer = new LockedBuffer(u"abc", 4);
+    const char16_t* const units = buffer->getData();
+    String text(String::ACQUIRE_SHARE, buffer);
+    text = String(u"temporary");
+    EXPECT_EQ(text, u"temporary");
+    ASSERT_EQ(text.getData(), units);
+    EXPECT_EQ(buffer->locks, 0);
+}
+
+TEST(StringTest, TemporaryLeavesRoomThatWasReserved) {
+    String text(1000);
+    text = u"abc";
+    const char16_t* const room = text.getData();
+    text = String(u"temporary");
+    EXPECT_EQ(text, u"temporary");
+    EXPECT_EQ(text.getData(), room);
 }
 
 TEST(StringTest, SharedForeignInnerBufferIsLeftToItsOtherHolder) {
@@ -1034,6 +1069,14 @@ TEST(StringTest, LastIndexOfFindsTheLastMatchThatEndsInTime) {
     EXPECT_EQ(text.lastIndexOf(u'a', -1, true), 6);
     EXPECT_EQ(text.lastIndexOf(u'z'), -1);
     EXPECT_EQ(String().lastIndexOf(u'a'), -1);
+}
+
+TEST(StringTest, SetsAreSearchedWithoutCaseOnBothSides) {
+    const String text(u"KEY = v");
+    EXPECT_EQ(text.findFirstOf(u"e", -1, 0, true), 1);
+    EXPECT_EQ(text.findFirstNotOf(u"kE", -1, 0, true), 2);
+    EXPECT_EQ(text.findLastOf(u"y", -1, -1, true), 2);
+    EXPECT_EQ(text.findLastNotOf(u"V =", -1, -1, true), 2);
 }
 
 TEST(StringTest, SetsAreSearchedForward) {

@@ -50,6 +50,7 @@ TEST(CommandLineParserTest, OptionsAndParametersStandInOrder) {
     EXPECT_EQ(parsed(u"a -b c /d"), "a b() c d()");
     EXPECT_EQ(parsed(u"-x --x /x -/-x"), "x() x() x() x()");
     EXPECT_EQ(parsed(u"-- x"), "() x");
+    EXPECT_EQ(parsed(u"-x- --dry-run /a/b=1"), "x-() dry-run() a/b(1)");
     EXPECT_EQ(parsed(u"a\tb c"), "a\tb c") << "tabs do not separate";
     EXPECT_EQ(parsed(u"  a   b  "), "a b");
 }
@@ -317,6 +318,30 @@ TEST(CommandLineParserTest, ArgumentsAreJoined) {
     EXPECT_EQ(parser.getParameter(0)->getValueString(0), u"program");
     parser.parse(0, arguments);
     EXPECT_EQ(parser.getElementCount(), 0);
+}
+
+TEST(CommandLineParserTest, ArgumentThatCannotBeDecodedIsNoFailure) {
+    char bad[] = "-name=a\xED\xA0\x80z"; // in UTF-8 half a surrogate pair
+    char good[] = "last";
+    char* arguments[] = {bad, good, nullptr};
+    String expected(u"a\uFFFD\uFFFD\uFFFDz");
+    try {
+        expected = "a\xED\xA0\x80z";
+    } catch (const text::charset::InvalidCharacterException&) { // the default encoding is UTF-8
+    }
+    CommandLineParser parser;
+    parser.parse(2, arguments);
+    EXPECT_EQ(parser.getValueString(u"name", 0), expected);
+    EXPECT_EQ(parser.getElementCount(), 2);
+    EXPECT_EQ(parser.getParameter(0)->getValueString(0), u"last");
+}
+
+TEST(CommandLineParserTest, OnlyABlankHasAnArgumentQuoted) {
+    char argument[] = "a\"b\tc";
+    char* arguments[] = {argument, nullptr};
+    CommandLineParser parser;
+    parser.parse(1, arguments);
+    EXPECT_EQ(written(parser), "a\"b\tc");
 }
 
 TEST(CommandLineParserTest, ArgumentsAreJoinedAsTheyStand) {
