@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <limits>
 
 namespace qv {
 
@@ -29,10 +30,12 @@ unsigned int sum(int length, int more) {
     return static_cast<unsigned int>(length) + static_cast<unsigned int>(more);
 }
 
-/// Units to ask for where `remaining` more are expected. What no store can have stays so, as a
-/// number that is an `int`.
-int estimate(float remaining) {
-    return static_cast<int>(std::min(remaining, static_cast<float>(StrBuf1::greatestCapacity))) + 1;
+/// Units to ask for where `remaining` more are expected: a guess, which asks for no more than a
+/// store can have.
+unsigned int estimate(int length, float remaining) {
+    const float most = static_cast<float>(StrBuf1::greatestCapacity);
+    return std::min(sum(length, static_cast<int>(std::min(remaining, most)) + 1),
+                    StrBuf1::greatestCapacity);
 }
 
 void moveUnits(char16_t* target, const char16_t* source, int count) {
@@ -113,7 +116,8 @@ Str1& Str1::copy(const char16_t* text, int length) {
 
 Str1& Str1::copy(const Str1& text) {
     if (&text == this) {
-        return copy(Str1(text));
+        ensureCapacity1(sum(length_, 0), 0, -1);
+        return *this;
     }
     const Str1 source(text); // holds the store while this one may give it up
     return copy(source.getData0(), source.length_);
@@ -167,11 +171,27 @@ inline bool Str1::appendInPlace(char16_t unit) noexcept {
 
 Str1& Str1::append(const Str1& text, int count, int start) {
     const bool whole = count == -1 || start < 0 || count > text.length_ - start;
-    const Str1 part(text, start, whole ? -1 : start + std::max(count, 0));
+    const int end = whole ? text.length_ : start + std::max(count, 0);
+    if (&text == this) {
+        return appendOwn(start, end);
+    }
+    const Str1 part(text, start, end);
     if (buffer_ == nullptr) {
         return setTo(part);
     }
     return append(part.getData0(), part.length_);
+}
+
+/// Appends a range of the text to itself, without a second holder of the store, who would keep it
+/// from being written.
+Str1& Str1::appendOwn(int start, int end) {
+    if (start >= 0 && start < end) {
+        const int count = end - start;
+        ensureCapacity1(sum(length_, count), 0, -1);
+        moveUnits(writable() + length_, getData0() + start, count);
+        length_ += count;
+    }
+    return *this;
 }
 
 Str1& Str1::append(const String& text) {
@@ -319,7 +339,7 @@ std::int32_t Str1::appendA(const signed char* bytes, int length, const char16_t*
         }
         const float remaining = static_cast<float>(length - consumed) *
                                 (static_cast<float>(written) / static_cast<float>(progress));
-        ensureCapacity1(sum(length_ + written, estimate(remaining)), 0, -1);
+        ensureCapacity1(estimate(length_ + written, remaining), 0, -1);
         append(chunk, written);
     }
 } catch (const Exception& exception) {
@@ -438,8 +458,12 @@ char16_t* Str1::Appendor::checkAvailable(int length) {
 
 void Str1::Appendor::setRemCap(int length) {
     const int ahead = first_ != 0 ? std::exchange(first_, 0) : further_;
-    const unsigned int needed = sum(target_.length_, ahead) + static_cast<unsigned int>(length);
-    remaining_ = target_.ensureCapacity1(needed, 0, -1) - target_.length_;
+    const std::int64_t needed = std::int64_t{target_.length_} + std::max(ahead, 0) + length;
+    if (needed > std::numeric_limits<std::int32_t>::max()) {
+        throw std::bad_alloc();
+    }
+    remaining_ =
+        target_.ensureCapacity1(static_cast<unsigned int>(needed), 0, -1) - target_.length_;
 }
 
 // --- Forms ---

@@ -125,6 +125,7 @@ protected:
 private:
     bool appendInPlace(char16_t unit) noexcept;
     Str1& appendUnits(char16_t unit, int count);
+    Str1& appendOwn(int start, int end);
     char16_t* writable() noexcept { return buffer_->getData() + offset_; }
     int growTo(unsigned int capacity, int keepStart, int kept);
     int moveTo(StrBuf1* buffer, int keepStart, int kept) noexcept;

@@ -7,6 +7,7 @@
 
 #include <limits>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace qv {
@@ -201,6 +202,9 @@ private:
     /// Moves the entries, from the last bucket to the first, each to the head of its new chain.
     void rehash() {
         const int oldCapacity = capacity_;
+        if (oldCapacity > (std::numeric_limits<int>::max() - 1) / 2) {
+            throw std::bad_alloc();
+        }
         const int oldSize = size_;
         std::unique_ptr<Chain[]> old = std::move(table_);
         try {

@@ -107,8 +107,7 @@ String& String::internalSetTo(const char* bytes, int length, const char16_t* enc
 }
 
 String::String(const wchar_t* text, int length) : String() {
-    const std::size_t count = length == -1 ? std::char_traits<wchar_t>::length(text)
-                                           : static_cast<std::size_t>(std::max(length, 0));
+    const auto count = static_cast<std::size_t>(detail::measured(text, length));
     if constexpr (sizeof(wchar_t) == sizeof(char16_t)) {
         replace(0, -1, reinterpret_cast<const char16_t*>(text), static_cast<int>(count), 0);
     } else {

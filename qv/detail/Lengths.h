@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <string>
 
 /// What the lengths that callers give stand for, and the sizes that follow from them.
 namespace qv::detail {
@@ -24,6 +25,13 @@ inline int measured(const char* bytes, int length) noexcept {
         return std::max(length, 0);
     }
     return bytes == nullptr ? 0 : QVStrLenA_32(bytes);
+}
+
+inline int measured(const wchar_t* text, int length) noexcept {
+    if (length != -1) {
+        return std::max(length, 0);
+    }
+    return text == nullptr ? 0 : static_cast<int>(std::char_traits<wchar_t>::length(text));
 }
 
 /// Room for `count` characters of `unitSize` at most, as a converter says it, and `more`.

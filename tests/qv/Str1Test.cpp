@@ -540,6 +540,22 @@ TEST(Str1AppendorTest, NothingAppendedToAStringWithoutAStoreLeavesItSo) {
     EXPECT_EQ(units(text), u"a");
 }
 
+TEST(Str1AppendorTest, HintsBelowNoneAskForNothing) {
+    Str1 text;
+    Str1::Appendor appendor(text, -5, -5);
+    appendor.fastAppend(u"01234567890123456789", 20);
+    appendor.fastAppend(u"abc", 3);
+    EXPECT_EQ(units(text), u"01234567890123456789abc");
+}
+
+TEST(Str1AppendorTest, HintsBeyondAllNumbersAreOutOfMemory) {
+    constexpr int most = std::numeric_limits<int>::max();
+    Str1 text = Str1Copy(u"abc");
+    EXPECT_THROW(Str1::Appendor(text, most, most).fastAppend(u'd'), std::bad_alloc);
+    EXPECT_THROW(Str1::Appendor(text, most, 0).checkAvailable(most), std::bad_alloc);
+    EXPECT_EQ(units(text), u"abc");
+}
+
 TEST(Str1AppendorTest, ResyncForgetsTheRoomThatWasLeft) {
     Str1 text;
     Str1::Appendor appendor(text, 100, 10);
@@ -767,11 +783,68 @@ TEST(Str1BytesTest, BytesBeyondAllNumbersAreOutOfMemory) {
     EXPECT_THROW(Str1Copy(u"abcd").getBytesAZ(greedyEncoding()), std::bad_alloc);
 }
 
-TEST(Str1BytesTest, EstimateBeyondAllNumbersIsOutOfMemory) {
+TEST(Str1BytesTest, MoreThanAStoreCanHaveIsOutOfMemory) {
     const std::string bytes(0x800001, 'a'); // each byte is 512 units
     Str1 text = Str1Copy(u"text");
     EXPECT_THROW(text.appendA(bytesOf(bytes.c_str()), -1, greedyEncoding()), std::bad_alloc);
-    EXPECT_EQ(units(text), u"text");
+    EXPECT_EQ(units(text).substr(0, 6), u"textxx");
+}
+
+TEST(Str1BytesTest, EstimateBeyondAStoreIsNoFailure) {
+    constexpr int count = 6'000'000;
+    std::string bytes(512, 'a'); // the first chunk promises a unit for each byte of the rest
+    for (int i = 0; i < count; ++i) {
+        bytes += "\xE4\xB8\xAD";
+    }
+    ASSERT_GT(bytes.size(), StrBuf1::greatestCapacity);
+    Str1 text;
+    EXPECT_EQ(text.appendA(bytesOf(bytes.c_str()), -1, u"UTF-8"), 0);
+    EXPECT_EQ(text.getLength(), 512 + count);
+    EXPECT_EQ(text.getData0()[512 + count - 1], u'\u4E2D');
+}
+
+/// A decoder that keeps something back until its end.
+class ClosingDecoder : public text::charset::ByteToCharConverter {
+public:
+    std::int32_t convert(const signed char* bytes, std::int32_t* position, std::int32_t end,
+                         char16_t* out, std::int32_t* written, std::int32_t size) override {
+        const std::int32_t before = *written;
+        while (*position < end && *written < size) {
+            out[(*written)++] = static_cast<unsigned char>(bytes[(*position)++]);
+        }
+        return *written - before;
+    }
+    std::int32_t flush(char16_t* out, std::int32_t* written, std::int32_t size) override {
+        if (*written >= size) {
+            return 0;
+        }
+        out[(*written)++] = u'!';
+        return 1;
+    }
+    void reset() override {}
+    const char16_t* getEncodingName() override { return u"x-Closing"; }
+    int getMaxBytesPerChar() override { return 1; }
+    int getMaxCharsPerByte() override { return 2; }
+};
+
+const char16_t* closingEncoding() {
+    ClassManager::getInstance()->registerClass(u"test::ClosingDecoder", &typeid(ClosingDecoder),
+                                               []() -> Object* { return new ClosingDecoder; });
+    text::charset::CodecManager::getInstance()->registerCodec(u"x-Closing", u"test::GreedyEncoder",
+                                                              u"test::ClosingDecoder");
+    return u"x-Closing";
+}
+
+TEST(Str1BytesTest, WhatTheDecoderKeptStandsAtTheEnd) {
+    static_cast<void>(greedyEncoding());
+    for (const int count : {1, 512, 1300}) {
+        const std::string bytes(static_cast<std::size_t>(count), 'a');
+        Str1 text;
+        EXPECT_EQ(text.appendA(bytesOf(bytes.c_str()), -1, closingEncoding()), 0);
+        EXPECT_EQ(units(text), std::u16string(static_cast<std::size_t>(count), u'a') + u'!');
+        EXPECT_EQ(String(bytesOf(bytes.c_str()), -1, closingEncoding()),
+                  String(units(text).c_str()));
+    }
 }
 
 TEST(Str1BytesTest, FailuresAreResults) {

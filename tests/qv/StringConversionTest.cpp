@@ -72,6 +72,14 @@ TEST(StringBytesTest, NarrowFormIsTerminated) {
     EXPECT_STREQ(String(u"plain").getBytes(), "plain");
 }
 
+TEST(StringBytesTest, NullDecodesToNothing) {
+    const String text(static_cast<const signed char*>(nullptr), 5, u"UTF-8");
+    EXPECT_EQ(text.getLength(), 0);
+    EXPECT_EQ(text.getData()[0], 0);
+    EXPECT_NE(text.getData(), String().getData()) << "it has the room that was asked for";
+    EXPECT_EQ(String(static_cast<const wchar_t*>(nullptr)).getLength(), 0);
+}
+
 TEST(StringBytesTest, SameEncodingGivesTheSameBytesUntilAWrite) {
     String text(u"text");
     const char* const first = text.getBytes();
@@ -454,6 +462,8 @@ TEST(StringFormatTest, VariableListGivesAsManyAsTheIndices) {
     String text;
     EXPECT_EQ(throughList(text, u"{1}-{0}", -1, u"a", u"b"), u"b-a");
     EXPECT_EQ(throughList(text, u"none", -1), u"none");
+    EXPECT_EQ(throughList(text, u"{0}{1}", 3, u"a"), u"a") << "only so much is the pattern";
+    EXPECT_EQ(throughList(text, u"{0}", -2), u"");
     const String pattern(u"[{0}]");
     EXPECT_EQ(throughStringList(text, &pattern, u"x"), u"[x]");
 }

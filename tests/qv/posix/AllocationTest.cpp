@@ -49,6 +49,15 @@ TEST(Str1AllocationTest, FixedStorageCostsNoneWhileTheTextFits) {
     EXPECT_EQ(allocations.count(), 0u);
 }
 
+TEST(Str1AllocationTest, FixedStorageTakesItsOwnTextOnceMore) {
+    Str1Fixed<128> text;
+    text.append(u"own ");
+    const Allocations allocations;
+    text.append(text).append(text, 2, 1).copy(text);
+    EXPECT_EQ(allocations.count(), 0u);
+    EXPECT_EQ(text.toQVString(), u"own own wn");
+}
+
 TEST(Str1AllocationTest, LocalStorageCostsNoneWhileTheTextFits) {
     char16_t memory[64];
     const Allocations allocations;
