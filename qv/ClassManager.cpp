@@ -1,6 +1,7 @@
 #include "qv/ClassManager.h"
 
 #include "qv/Reference.h"
+#include "qv/detail/SystemText.h"
 #include "qv/util/SingletonImpl.h"
 #include "qvcore/Text.h"
 
@@ -29,9 +30,7 @@ String printableName(const std::type_info& type) {
     int status = 0;
     const std::unique_ptr<char, decltype(&std::free)> name(
         abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
-    String text;
-    text = name != nullptr ? name.get() : type.name();
-    return text;
+    return detail::systemText(name != nullptr ? name.get() : type.name());
 }
 
 } // namespace

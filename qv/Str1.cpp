@@ -115,8 +115,9 @@ Str1& Str1::copy(const char16_t* text, int length) {
 }
 
 Str1& Str1::copy(const Str1& text) {
-    if (&text == this) {
-        ensureCapacity1(sum(length_, 0), 0, -1);
+    if (&text == this && buffer_ != nullptr && buffer_->isPrivatelyHeld(0) != 0) {
+        moveUnits(buffer_->getData(), getData1(), length_);
+        offset_ = 0;
         return *this;
     }
     const Str1 source(text); // holds the store while this one may give it up
@@ -151,8 +152,8 @@ inline bool Str1::appendInPlace(char16_t unit) noexcept {
     }
     const auto* const heap = detail::exactly<StrBuf1Heap>(buffer_);
     const auto end = static_cast<unsigned int>(offset_ + length_);
-    if (heap == nullptr || end >= heap->heldCapacity()) {
-        return false;
+    if (heap == nullptr || end >= heap->heldCapacity() || length_ == 0) {
+        return false; // an empty text begins at the front
     }
     heap->getData()[end] = unit;
     ++length_;
@@ -451,7 +452,8 @@ char16_t* Str1::Appendor::checkAvailable(int length) {
         setRemCap(length);
     }
     remaining_ -= length;
-    char16_t* const place = target_.writable() + target_.length_;
+    char16_t* const place =
+        target_.buffer_ == nullptr ? nullptr : target_.writable() + target_.length_;
     target_.length_ += length;
     return place;
 }

@@ -150,7 +150,8 @@ public:
     void firstAppend(const char16_t* text, int length);
     void fastAppend(const char16_t* text, int length);
     void fastAppend(char16_t unit) { *checkAvailable(1) = unit; }
-    /// Raises the length by `length`. @return the place for these units.
+    /// Raises the length by `length`. @return the place for these units; null for none of a string
+    /// without a store.
     char16_t* checkAvailable(int length);
     /// To be called after the string has been changed by other means.
     void resync() noexcept { remaining_ = 0; }

@@ -337,7 +337,7 @@ String& String::operator=(String&& other) {
     }
     dropNarrowCache();
     other.dropNarrowCache();
-    std::swap(buffer_, other.buffer_);
+    adopt(std::exchange(other.buffer_, takeEmptyBuffer()));
     return *this;
 }
 

@@ -102,7 +102,7 @@ public:
     // --- Assignment: copies characters, never shares ---
 
     String& operator=(const String& other);
-    /// Copies unless `other` is the only owner of memory that it may give away.
+    /// Copies unless `other` is the only owner of memory that it may give away, and is empty then.
     String& operator=(String&& other);
     String& operator=(const char16_t* text);
     String& operator=(char16_t unit);

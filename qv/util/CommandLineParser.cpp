@@ -1,6 +1,7 @@
 #include "qv/util/CommandLineParser.h"
 
 #include "qv/Exceptions.h"
+#include "qv/detail/SystemText.h"
 #include "qv/util/BufferLocks.h"
 #include "qvcore/NumberText.h"
 #include "qvcore/Text.h"
@@ -18,21 +19,6 @@ constexpr char16_t defaultDelimiters[] = u", ";
 
 bool isOneOf(char16_t unit, const char16_t* set) {
     return unit != 0 && QVStrChrW(set, unit) != nullptr;
-}
-
-/// An argument in the default encoding; in one that this does not decode, the bytes beside ASCII
-/// are U+FFFD.
-String decoded(const char* argument) try {
-    String text;
-    text = argument;
-    return text;
-} catch (const text::charset::InvalidCharacterException&) {
-    String text;
-    for (; *argument != 0; ++argument) {
-        const auto byte = static_cast<unsigned char>(*argument);
-        text += byte < 0x80 ? static_cast<char16_t>(byte) : u'\uFFFD';
-    }
-    return text;
 }
 
 bool isSwitch(char16_t unit) { return isOneOf(unit, CommandLineParser::m_switchChars); }
@@ -202,7 +188,7 @@ void CommandLineParser::parse(const String& text) {
 void CommandLineParser::parse(int argc, char** const argv) {
     String text;
     for (int i = 0; i < argc; ++i) {
-        const String argument = decoded(argv[i]);
+        const String argument = qv::detail::systemText(argv[i]);
         const bool quoted = argument.indexOf(u' ') >= 0;
         if (quoted) {
             text += u'"';

@@ -81,7 +81,7 @@ public:
     void parse(const char16_t* text);
     void parse(const String& text);
     /// Joins the arguments, decoded in the default encoding, into one text; one with a blank is
-    /// quoted. Where an argument cannot be decoded, its bytes beside ASCII become U+FFFD.
+    /// quoted. What cannot be decoded becomes U+FFFD.
     void parse(int argc, char** const argv);
 
     /// How many options and parameters the line has.

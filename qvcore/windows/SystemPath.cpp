@@ -26,10 +26,11 @@ std::int32_t expandPath(const char16_t* text, std::wstring& path) {
     const auto* source = reinterpret_cast<const wchar_t*>(text);
     path.resize(MAX_PATH);
     for (;;) {
+        SetLastError(NO_ERROR);
         const DWORD length =
             GetFullPathNameW(source, static_cast<DWORD>(path.size()), path.data(), nullptr);
-        if (length == 0) {
-            return lastNativeResult();
+        if (length == 0) { // with no error for a text of blanks
+            return GetLastError() == NO_ERROR ? QV_E_INVALIDNAME : lastNativeResult();
         }
         const bool fits = length < path.size();
         path.resize(length);

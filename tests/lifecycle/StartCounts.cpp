@@ -141,8 +141,10 @@ void entryTakesAFailedStart() {
     CHECK(notify(ProcessAttach) == 1);
     allocationsLeft = unlimited;
     CHECK(isUp());
+    CHECK(isAnnounced()); // whatever the start gave
     CHECK(notify(ProcessDetach) == 1);
     checkDown();
+    CHECK(!isAnnounced());
     CHECK(notify(ProcessAttach) == 1);
     useLibrary("after-a-failed-start");
 }

@@ -6,6 +6,7 @@
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
 #include "qv/text/charset/CodecManager.h"
+#include "tests/support/ClosingCodec.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
@@ -32,6 +33,9 @@ StrBuf1* storeOf(const Str1& text) {
 }
 
 unsigned int capacityOf(const Str1& text) { return storeOf(text)->getBufCapacity(); }
+
+/// Where the text begins in its store.
+std::ptrdiff_t offsetOf(const Str1& text) { return text.getData0() - storeOf(text)->getData(); }
 
 // --- The store ---
 
@@ -556,6 +560,13 @@ TEST(Str1AppendorTest, HintsBeyondAllNumbersAreOutOfMemory) {
     EXPECT_EQ(units(text), u"abc");
 }
 
+TEST(Str1AppendorTest, NoUnitsOfAStringWithoutAStoreHaveNoPlace) {
+    Str1 text;
+    EXPECT_EQ(Str1::Appendor(text, 0, 0).checkAvailable(0), nullptr);
+    EXPECT_EQ(Str1::Appendor(text, 1, 1).checkAvailable(0), nullptr);
+    EXPECT_EQ(text.getLength(), 0);
+}
+
 TEST(Str1AppendorTest, ResyncForgetsTheRoomThatWasLeft) {
     Str1 text;
     Str1::Appendor appendor(text, 100, 10);
@@ -651,6 +662,38 @@ TEST(Str1AppendorTest, RoomOfAViewEndsWithItsStore) {
     }
     EXPECT_EQ(text.getLength(), 102);
     EXPECT_TRUE(text.startsWith(u"89abc"));
+}
+
+TEST(Str1Test, CopyOfItselfStandsAtTheFrontOfAStore) {
+    Str1 view = Str1Copy(u"0123456789");
+    view.setTo(view.substring(4));
+    ASSERT_EQ(offsetOf(view), 4);
+    const char16_t* const store = view.getData0() - 4;
+    view.copy(view);
+    EXPECT_EQ(units(view), u"456789");
+    EXPECT_EQ(view.getData0(), store);
+
+    Str1 shared = Str1Copy(std::u16string(100, u'x').c_str());
+    const Str1 sharer(shared);
+    shared.copy(shared);
+    EXPECT_EQ(capacityOf(shared), 112u) << "it takes no room to grow";
+    EXPECT_NE(shared.getData0(), sharer.getData0());
+    EXPECT_EQ(units(shared), units(sharer));
+
+    Str1 empty;
+    EXPECT_EQ(empty.copy(empty).getLength(), 0);
+}
+
+TEST(Str1Test, AppendToAClearedViewBeginsAtTheFront) {
+    for (const bool single : {false, true}) {
+        Str1 view = Str1Copy(u"0123456789");
+        view.setTo(view.substring(4));
+        const char16_t* const store = view.getData0() - 4;
+        view.clear();
+        single ? view.append(u'x') : view.append(u"x");
+        EXPECT_EQ(view.getData0(), store);
+        EXPECT_EQ(units(view), u"x");
+    }
 }
 
 TEST(Str1Test, CopyTakesNoRoomToGrow) {
@@ -803,46 +846,13 @@ TEST(Str1BytesTest, EstimateBeyondAStoreIsNoFailure) {
     EXPECT_EQ(text.getData0()[512 + count - 1], u'\u4E2D');
 }
 
-/// A decoder that keeps something back until its end.
-class ClosingDecoder : public text::charset::ByteToCharConverter {
-public:
-    std::int32_t convert(const signed char* bytes, std::int32_t* position, std::int32_t end,
-                         char16_t* out, std::int32_t* written, std::int32_t size) override {
-        const std::int32_t before = *written;
-        while (*position < end && *written < size) {
-            out[(*written)++] = static_cast<unsigned char>(bytes[(*position)++]);
-        }
-        return *written - before;
-    }
-    std::int32_t flush(char16_t* out, std::int32_t* written, std::int32_t size) override {
-        if (*written >= size) {
-            return 0;
-        }
-        out[(*written)++] = u'!';
-        return 1;
-    }
-    void reset() override {}
-    const char16_t* getEncodingName() override { return u"x-Closing"; }
-    int getMaxBytesPerChar() override { return 1; }
-    int getMaxCharsPerByte() override { return 2; }
-};
-
-const char16_t* closingEncoding() {
-    ClassManager::getInstance()->registerClass(u"test::ClosingDecoder", &typeid(ClosingDecoder),
-                                               []() -> Object* { return new ClosingDecoder; });
-    text::charset::CodecManager::getInstance()->registerCodec(u"x-Closing", u"test::GreedyEncoder",
-                                                              u"test::ClosingDecoder");
-    return u"x-Closing";
-}
-
 TEST(Str1BytesTest, WhatTheDecoderKeptStandsAtTheEnd) {
-    static_cast<void>(greedyEncoding());
     for (const int count : {1, 512, 1300}) {
         const std::string bytes(static_cast<std::size_t>(count), 'a');
         Str1 text;
-        EXPECT_EQ(text.appendA(bytesOf(bytes.c_str()), -1, closingEncoding()), 0);
+        EXPECT_EQ(text.appendA(bytesOf(bytes.c_str()), -1, support::closingEncoding()), 0);
         EXPECT_EQ(units(text), std::u16string(static_cast<std::size_t>(count), u'a') + u'!');
-        EXPECT_EQ(String(bytesOf(bytes.c_str()), -1, closingEncoding()),
+        EXPECT_EQ(String(bytesOf(bytes.c_str()), -1, support::closingEncoding()),
                   String(units(text).c_str()));
     }
 }

@@ -3,6 +3,7 @@
 #include "qv/String.h"
 #include "qv/util/ROBuffer.h"
 #include "qv/util/RWBuffer.h"
+#include "tests/support/ClosingCodec.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
@@ -78,6 +79,16 @@ TEST(StringBytesTest, NullDecodesToNothing) {
     EXPECT_EQ(text.getData()[0], 0);
     EXPECT_NE(text.getData(), String().getData()) << "it has the room that was asked for";
     EXPECT_EQ(String(static_cast<const wchar_t*>(nullptr)).getLength(), 0);
+}
+
+TEST(StringBytesTest, WhatTheEncoderKeptStandsAtTheEnd) {
+    const char16_t* const encoding = support::closingEncoding();
+    const String text(u"abc");
+    EXPECT_STREQ(text.getBytes(encoding), "abc!");
+    char memory[8];
+    EXPECT_EQ(text.getBytes(memory, 8, encoding), 6) << "with a terminator of two bytes";
+    EXPECT_STREQ(memory, "abc!");
+    EXPECT_EQ(text.getBytes(memory, 3, encoding), 3) << "it is left out where the room ends";
 }
 
 TEST(StringBytesTest, SameEncodingGivesTheSameBytesUntilAWrite) {

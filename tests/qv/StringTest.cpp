@@ -416,6 +416,27 @@ TEST(StringTest, TemporaryIsWrittenThroughAForeignInnerBuffer) {
     EXPECT_EQ(buffer->locks, 0);
 }
 
+TEST(StringTest, StringThatGaveItsTextAwayIsEmptyAndWrapsNothing) {
+    char16_t memory[] = u"wrapped";
+    String text(String::ACQUIRE_WRAP, memory, -1);
+    String other(u"abc");
+    text = std::move(other);
+    EXPECT_EQ(text, u"abc");
+    EXPECT_EQ(other.getLength(), 0); // NOLINT(bugprone-use-after-move): what is looked at
+    EXPECT_NE(other.getData(), memory);
+    other = u"new";
+    EXPECT_EQ(other, u"new");
+    EXPECT_EQ(text, u"abc");
+}
+
+TEST(StringTest, TemporaryThatSharesIsCopied) {
+    const String source(u"abc");
+    String text;
+    text = String(source);
+    EXPECT_EQ(text, u"abc");
+    EXPECT_FALSE(shares(text, source));
+}
+
 TEST(StringTest, TemporaryLeavesRoomThatWasReserved) {
     String text(1000);
     text = u"abc";
@@ -1069,6 +1090,32 @@ TEST(StringTest, LastIndexOfFindsTheLastMatchThatEndsInTime) {
     EXPECT_EQ(text.lastIndexOf(u'a', -1, true), 6);
     EXPECT_EQ(text.lastIndexOf(u'z'), -1);
     EXPECT_EQ(String().lastIndexOf(u'a'), -1);
+}
+
+TEST(StringTest, EveryFormOfASearchHandsItsArgumentsOn) {
+    const String text(u"AbcAbc");
+    const String needle(u"bC");
+    const String set(u"BX");
+    EXPECT_EQ(text.indexOf(needle, 2, true), 4);
+    EXPECT_EQ(text.indexOf(needle, 2), -1);
+    EXPECT_EQ(text.lastIndexOf(needle, 3, true), 1);
+    EXPECT_EQ(text.lastIndexOf(needle, 3), -1);
+    EXPECT_EQ(text.findFirstOf(set, 2, true), 4);
+    EXPECT_EQ(text.findFirstOf(set, 2), -1);
+    EXPECT_EQ(text.findFirstNotOf(String(u"aB"), 3, true), 5);
+    EXPECT_EQ(text.findFirstNotOf(String(u"aB"), 3), 3);
+    EXPECT_EQ(text.findLastOf(set, 3, true), 1);
+    EXPECT_EQ(text.findLastOf(set, 3), -1);
+    EXPECT_EQ(text.findLastNotOf(String(u"aB"), 4, true), 2);
+    EXPECT_EQ(text.findLastNotOf(String(u"aB"), 4), 4);
+    EXPECT_TRUE(text.contains(String(u"CA"), true));
+    EXPECT_FALSE(text.contains(String(u"CA")));
+    EXPECT_TRUE(text.contains(u"CA", -1, true));
+    EXPECT_FALSE(text.contains(u"CA", -1));
+    EXPECT_TRUE(text.equals(u"ABCABC", -1, true));
+    EXPECT_FALSE(text.equals(u"ABCABC", -1));
+    EXPECT_EQ(text.findFirstOfCase(u"b", -1, 2), 4);
+    EXPECT_EQ(text.findFirstOfCase(String(u"b"), 2), 4);
 }
 
 TEST(StringTest, SetsAreSearchedWithoutCaseOnBothSides) {

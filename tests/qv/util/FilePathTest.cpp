@@ -173,6 +173,11 @@ const Parts parts[] = {
     {u"\\\\s\\h\\a", u"\\\\s\\h\\a", 6, true, u"\\\\s\\h", u"\\\\s\\h\\", u"a", u"a", u"",
      u"\\\\s\\h\\"},
     {u"\\\\s\\h", u"\\\\s\\h", 5, true, u"\\\\s\\h", u"\\\\s\\h", u"", u"", u"", u""},
+    {u"\\\\s\\h.x", u"\\\\s\\h.x", 7, true, u"\\\\s\\h.x", u"\\\\s\\h.x", u"", u"", u"", u""},
+    {u"\\\\s\\h.x\\a", u"\\\\s\\h.x\\a", 8, true, u"\\\\s\\h.x", u"\\\\s\\h.x\\", u"a", u"a", u"",
+     u"\\\\s\\h.x\\"},
+    {u"//s/h.x/a/../bc", u"\\\\s\\h.xbc", 8, true, u"\\\\s\\h.xb", u"\\\\s\\h.xb", u"c", u"c", u"",
+     u"\\\\s\\h.xb"},
     {u"//s/h/a/../b", u"\\\\s\\hb", 6, true, u"\\\\s\\hb", u"\\\\s\\hb", u"", u"", u"", u""},
     {u"\\\\", u"\\", 1, false, u"", u"\\", u"", u"", u"", u""},
     {u"a.b\\c", u"a.b\\c", 0, false, u"", u"a.b", u"c", u"c", u"", u"a.b"},
@@ -222,6 +227,8 @@ TEST(FilePathTest, AbsolutePathStandsBehindTheCurrentDirectory) {
     EXPECT_TRUE(current.endsWith(u"\\"));
     EXPECT_TRUE(FilePath(current).isAbsolutePath());
     EXPECT_EQ(FilePath(u"a/../b").getAbsolutePath(), current + String(u"b"));
+    EXPECT_EQ(FilePath(u".").getAbsolutePath(), current) << "the whole is cleaned";
+    EXPECT_EQ(FilePath(u"..\\x").getAbsolutePath(), FilePath(current + u"..\\x").getPath());
     EXPECT_EQ(FilePath(u"/x").getAbsolutePath(), u"\\x");
     EXPECT_EQ(FilePath(u"C:a").getAbsolutePath(), u"C:a") << "a drive counts as absolute";
     EXPECT_EQ(FilePath(u"C:\\a").getAbsolutePath(), u"C:\\a");

@@ -1,8 +1,11 @@
 #include "qvcore/Path.h"
 
+#include "tests/qvcore/Results.h"
+
 #include <array>
 #include <gtest/gtest.h>
 #include <string>
+#include <windows.h>
 
 namespace {
 
@@ -19,6 +22,16 @@ TEST(WindowsPathTest, KeepsDriveAndServer) {
     EXPECT_EQ(expand(u"C:/a/./b"), u"C:\\a\\b");
     EXPECT_EQ(expand(u"C:\\..\\.."), u"C:\\");
     EXPECT_EQ(expand(u"\\\\server\\share\\a\\..\\b"), u"\\\\server\\share\\b");
+}
+
+TEST(WindowsPathTest, BlanksAreNoName) {
+    std::array<char16_t, 300> area = {};
+    for (const char16_t* text : {u" ", u"   "}) {
+        for (const unsigned long error : {NO_ERROR, ERROR_ACCESS_DENIED}) {
+            SetLastError(error);
+            EXPECT_EQ(QVPathExpand(text, area.data(), 300), invalidName);
+        }
+    }
 }
 
 TEST(WindowsPathTest, TakesTheDriveFromTheCurrentDirectory) {

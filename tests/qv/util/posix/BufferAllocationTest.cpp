@@ -4,6 +4,7 @@
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 #    include "qv/Exceptions.h"
+#    include "qv/Str1.h"
 #    include "qv/String.h"
 #    include "qv/util/RWBuffer.h"
 #    include "tests/support/Allocations.h"
@@ -59,6 +60,23 @@ TEST(BufferAllocationTest, StringThatCannotGrowStays) {
     expectRefused([&] { text.append(u'y'); }); // a unit at a time grows on a path of its own
     EXPECT_EQ(text, u"textxxxxxxxxxx");
     EXPECT_EQ(text.getData(), units);
+}
+
+TEST(BufferAllocationTest, LightStringThatCannotGrowStays) {
+    Str1 text = Str1Copy(u"text");
+    const char16_t* const units = text.getData0();
+    expectRefused([&] { text.append(u'x', 5000); });
+    EXPECT_EQ(text.toQVString(), u"text");
+    EXPECT_EQ(text.getData0(), units);
+    while (text.getLength() < 16) {
+        text.append(u'x');
+    }
+    ASSERT_EQ(text.getData0(), units);
+    expectRefused([&] { text.append(u'y'); });
+    EXPECT_EQ(text.toQVString(), u"textxxxxxxxxxxxx");
+    EXPECT_EQ(text.getData0(), units);
+    text.append(u'y', 5000);
+    EXPECT_EQ(text.getLength(), 5016);
 }
 
 } // namespace

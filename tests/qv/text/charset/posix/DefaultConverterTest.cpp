@@ -1,8 +1,11 @@
+#include "qv/Class.h"
 #include "qv/Exceptions.h"
 #include "qv/Reference.h"
 #include "qv/String.h"
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
+#include "qv/util/CommandLineParser.h"
+#include "tests/support/Printing.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/Throws.h"
 
@@ -61,6 +64,20 @@ TEST_F(DefaultConverterTest, NameThatNothingServesThrows) {
     ASSERT_NO_FATAL_FAILURE(enterLocale("X-UNSERVED"));
     EXPECT_THROW(ByteToCharConverter::getConverter(nullptr), UnknownEncodingException);
     EXPECT_THROW(CharToByteConverter::getDefaultConverter(), UnknownEncodingException);
+}
+
+TEST_F(DefaultConverterTest, NamesOfClassesAndArgumentsNeedNone) {
+    ASSERT_NO_FATAL_FAILURE(enterLocale("X-UNSERVED"));
+    EXPECT_EQ(support::thrownText<ClassNotFoundException>(
+                  [] { Class::forType(&typeid(ResultException)); }),
+              "qv::ResultException");
+    char option[] = "-a=1";
+    char beyondAscii[] = "x\xE4y";
+    char* arguments[] = {option, beyondAscii, nullptr};
+    util::CommandLineParser parser;
+    parser.parse(2, arguments);
+    EXPECT_EQ(parser.getValueString(u"a"), u"1");
+    EXPECT_EQ(parser.getParameter(0)->getValueString(0), u"x\uFFFDy");
 }
 
 TEST_F(DefaultConverterTest, EmptyNameGivesAscii) {
