@@ -25,6 +25,8 @@ QVCORE_API int32_t QVFileOpen(const char16_t* path, uint32_t access, uint32_t pe
                               uint64_t* handle) QVCORE_NOEXCEPT;
 /// A close that fails, since not all that was written could be kept, leaves the handle open.
 QVCORE_API int32_t QVFileClose(uint64_t handle) QVCORE_NOEXCEPT;
+/// Gives the handle up, whatever is lost by that: for callers that have nobody to tell.
+QVCORE_API void QVFileAbandon(uint64_t handle) QVCORE_NOEXCEPT;
 QVCORE_API int32_t QVFileGetSize(uint64_t handle, int64_t* size) QVCORE_NOEXCEPT;
 /// `origin` is 0 for the start, 1 for the current position, 2 for the end.
 QVCORE_API int32_t QVFileSeek64(uint64_t handle, int64_t offset, int32_t origin,
@@ -41,7 +43,7 @@ QVCORE_API int32_t QVFileFlush(uint64_t handle) QVCORE_NOEXCEPT;
 /// The handle of standard input (0), output (1) or error (2); not owned. QV_FILE_NONE if the
 /// process has none.
 QVCORE_API uint64_t QVFileGetStandard(int32_t which) QVCORE_NOEXCEPT;
-/// The position of a runtime stream (a `FILE*`); -1 where it has none.
+/// The position of a runtime stream (a `FILE*`); -1 where it has none, as all but files on a disk.
 QVCORE_API int64_t QVStreamTell64(void* stream) QVCORE_NOEXCEPT;
 /// Moves the position of a runtime stream; `origin` as for QVFileSeek64.
 QVCORE_API int32_t QVStreamSeek64(void* stream, int64_t offset, int32_t origin) QVCORE_NOEXCEPT;

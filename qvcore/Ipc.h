@@ -15,7 +15,9 @@
 /// may post what another waits for.
 ///
 /// A child made by fork may use the handles that it inherited; it holds nothing of what its parent
-/// holds. An empty or null name, or a count above 0x7FFFFFFF, is 0x80070057.
+/// holds. Such a handle counts from its first use in the child: until then the semaphore is gone
+/// when all others have closed theirs. An empty or null name, or a count above 0x7FFFFFFF, is
+/// 0x80070057.
 QVCORE_API int32_t QVNamedSemOpen(const char* name, uint32_t value,
                                   uint64_t* handle) QVCORE_NOEXCEPT;
 /// Gives the handle back. The semaphore itself is gone with its last handle in any process; the
@@ -34,5 +36,5 @@ QVCORE_API int32_t QVSharedMemAttach(uint64_t handle, uint32_t access,
 /// An address that no block is mapped at is 0x80070057.
 QVCORE_API int32_t QVSharedMemDetach(void* address) QVCORE_NOEXCEPT;
 /// Gives the handle back. The block is gone with its last handle in any process; what is mapped
-/// stays mapped.
+/// stays mapped. A handle that a child inherited through fork does not count as open there.
 QVCORE_API int32_t QVSharedMemClose(uint64_t handle) QVCORE_NOEXCEPT;

@@ -17,9 +17,8 @@ FileInputStream::FileInputStream(std::uint64_t handle, bool owns)
     : handle_(handle), ownsHandle_(owns) {}
 
 FileInputStream::~FileInputStream() noexcept {
-    // A destructor has nobody to tell of a failure, behind which the handle is still there.
-    if (toResult([this] { FileInputStream::close(); }) < 0) {
-        static_cast<void>(toResult([this] { FileInputStream::close(); }));
+    if (ownsHandle_) {
+        detail::dropFile(handle_);
     }
 }
 

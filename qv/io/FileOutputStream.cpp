@@ -86,8 +86,9 @@ FileOutputStream::FileOutputStream(std::uint64_t handle, bool owns)
     : handle_(handle), ownsHandle_(owns), mode_(0) {}
 
 FileOutputStream::~FileOutputStream() noexcept {
-    FileOutputStream::close();
-    FileOutputStream::close(); // a failure tells what was lost, once; then the handle goes
+    if (ownsHandle_) {
+        detail::dropFile(handle_);
+    }
     giveBackAll();
 }
 

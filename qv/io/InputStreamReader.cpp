@@ -4,6 +4,7 @@
 #include "qv/text/charset/UTF32Converters.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qv::io {
 
@@ -49,6 +50,7 @@ std::int32_t InputStreamReader::read(char16_t* destination, std::int32_t length)
         heldUnits_.assign(destination, static_cast<std::size_t>(written));
         throw;
     }
+    releaseLongRoom();
     return written > 0 ? written : -1;
 }
 
@@ -99,12 +101,24 @@ bool InputStreamReader::fillBuffer() {
     return true;
 }
 
+/// The most units that bytes give. A decoder's own number leaves out the pair that it may write for
+/// a bad byte.
+std::int64_t InputStreamReader::unitsOf(std::int32_t bytes) {
+    return std::int64_t{bytes} * std::max(converter_->getMaxCharsPerByte(), 2);
+}
+
 /// Takes room for all units of a read that the decoder fails behind the bytes at hand: holding them
 /// then allocates nothing, and cannot fail.
 void InputStreamReader::reserveHeldUnits(std::int32_t written, std::int32_t length) {
-    const std::int64_t units =
-        std::int64_t{bufferEnd_ - bufferPos_} * std::max(converter_->getMaxCharsPerByte(), 1);
-    heldUnits_.reserve(static_cast<std::size_t>(std::min<std::int64_t>(written + units, length)));
+    const std::int64_t units = written + unitsOf(bufferEnd_ - bufferPos_);
+    heldUnits_.reserve(static_cast<std::size_t>(std::min<std::int64_t>(units, length)));
+}
+
+/// Keeps the room that a read of one buffer needs, so that not every read takes it anew.
+void InputStreamReader::releaseLongRoom() {
+    if (heldUnits_.empty() && std::cmp_greater(heldUnits_.capacity(), unitsOf(bufferSize_))) {
+        std::u16string().swap(heldUnits_);
+    }
 }
 
 /// @return true if the decoder has left bytes behind.

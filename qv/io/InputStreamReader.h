@@ -50,7 +50,9 @@ private:
     bool isFull() const noexcept { return bufferEnd_ - bufferPos_ >= bufferSize_; }
     void decode(char16_t* destination, std::int32_t* written, std::int32_t length);
     bool fillBuffer();
+    std::int64_t unitsOf(std::int32_t bytes);
     void reserveHeldUnits(std::int32_t written, std::int32_t length);
+    void releaseLongRoom();
     bool convertBuffer(char16_t* destination, std::int32_t* written, std::int32_t length);
     std::int32_t wordsEnd() const noexcept;
     bool convertIntoSingleUnit(char16_t* destination);

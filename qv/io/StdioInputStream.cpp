@@ -39,8 +39,11 @@ std::int32_t StdioInputStream::read(signed char* destination, std::int32_t lengt
 
 std::int32_t StdioInputStream::skip(std::int32_t count) {
     constexpr std::int32_t currentPlace = 1;
+    constexpr std::int64_t noPosition = -1;
     const std::int64_t before = QVStreamTell64(file_);
-    QVStreamSeek64(file_, count, currentPlace);
+    if (before != noPosition) { // an attempt would throw away what the runtime stream has buffered
+        QVStreamSeek64(file_, count, currentPlace);
+    }
     const std::int64_t after = QVStreamTell64(file_);
     checkError(file_, u"stream seek error");
     return static_cast<std::int32_t>(after - before);

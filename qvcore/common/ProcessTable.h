@@ -16,7 +16,7 @@ struct ProcessEntry {
     std::atomic<std::uint32_t> handles;
     /// Counts that the process took and owes.
     std::atomic<std::uint32_t> held;
-    std::atomic<std::uint64_t> start;
+    std::atomic<std::uint32_t> start;
 
     bool isFree() const noexcept { return process.load() == 0; }
     ProcessIdentity identity() const noexcept { return {process.load(), start.load()}; }
@@ -40,10 +40,11 @@ public:
     auto begin() noexcept { return entries_.begin(); }
     auto end() noexcept { return entries_.end(); }
 
-    /// The entry of a process, or null.
+    /// The entry of a process, or null. An entry of the same number and another start was left by
+    /// an earlier process.
     ProcessEntry* find(const ProcessIdentity& process) noexcept {
         for (ProcessEntry& entry : entries_) {
-            if (!entry.isFree() && entry.identity().isSame(process)) {
+            if (!entry.isFree() && entry.identity() == process) {
                 return &entry;
             }
         }

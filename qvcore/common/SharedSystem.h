@@ -10,14 +10,17 @@ namespace qv::core {
 /// A process, told from an earlier one of the same number by its start.
 struct ProcessIdentity {
     std::uint32_t id;
-    /// 0 where the system did not tell it: then the number alone decides.
-    std::uint64_t start;
+    /// The lower half of the start, in the system's own units; 0 where the system did not tell it.
+    std::uint32_t start;
 
-    bool isSame(const ProcessIdentity& other) const noexcept {
+    bool operator==(const ProcessIdentity&) const = default;
+    /// True unless it is known that these are two processes.
+    bool mayBe(const ProcessIdentity& other) const noexcept {
         return id == other.id && (start == other.start || start == 0 || other.start == 0);
     }
 };
 
+/// The calling process. The answer is the same from the process's beginning to its end.
 ProcessIdentity currentProcess() noexcept;
 /// The number of the calling process, which a fork changes.
 std::uint32_t currentProcessId() noexcept;

@@ -4,6 +4,7 @@
 #include "qvcore/common/NativeError.h"
 #include "qvcore/posix/Descriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <csignal>
@@ -60,14 +61,25 @@ public:
     SignalPause(const SignalPause&) = delete;
     SignalPause& operator=(const SignalPause&) = delete;
 
-    /// Waits for input or a signal.
+    /// Waits for input or one of those signals. Others are the program's own and leave the terminal
+    /// as it is.
     /// @return false for a signal.
     bool wait(int descriptor) noexcept {
         pollfd ready = {descriptor, POLLIN, 0};
-        return ppoll(&ready, 1, nullptr, &mask_) != -1 || errno != EINTR;
+        while (ppoll(&ready, 1, nullptr, &mask_) == -1 && errno == EINTR) {
+            if (hasArrived()) {
+                return false;
+            }
+        }
+        return true;
     }
 
 private:
+    static bool hasArrived() noexcept {
+        return std::any_of(arrived_.begin(), arrived_.end(),
+                           [](std::sig_atomic_t arrived) { return arrived != 0; });
+    }
+
     bool catchSignal(std::size_t index) noexcept {
         const int signal = signals[index];
         arrived_[index] = 0;
@@ -77,6 +89,7 @@ private:
         if (isCaught_[index]) {
             struct sigaction action = {};
             action.sa_handler = note;
+            action.sa_flags = SA_RESTART; // other threads' calls go on; `wait` ends all the same
             sigaction(signal, &action, nullptr);
         }
         return isCaught_[index];

@@ -44,6 +44,11 @@ bool isDirectory(int descriptor) noexcept {
     return fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool isDiskFile(int descriptor) noexcept {
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || S_ISBLK(status.st_mode));
+}
+
 /// The pipe signal is raised by these alone.
 bool isPipeOrSocket(int descriptor) noexcept {
     struct stat status = {};
@@ -117,11 +122,16 @@ std::int32_t QVFileClose(std::uint64_t handle) noexcept {
     // says the same, and leaves the caller of a failed close a handle that is still his.
     const int descriptor = toDescriptor(handle);
     const int duplicate = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    if (duplicate == Descriptor::none && errno == EBADF) {
+        return lastNativeResult(); // another thread may be given the number by now
+    }
     if (duplicate != Descriptor::none && close(duplicate) == -1 && errno != EINTR) {
         return lastNativeResult();
     }
     return close(descriptor) == -1 && errno == EBADF ? lastNativeResult() : QV_S_OK;
 }
+
+void QVFileAbandon(std::uint64_t handle) noexcept { close(toDescriptor(handle)); }
 
 std::int32_t QVFileGetSize(std::uint64_t handle, std::int64_t* size) noexcept {
     if (size == nullptr) {
@@ -196,7 +206,8 @@ std::uint64_t QVFileGetStandard(std::int32_t which) noexcept {
 }
 
 std::int64_t QVStreamTell64(void* stream) noexcept {
-    return stream == nullptr ? -1 : ftello(static_cast<std::FILE*>(stream));
+    auto* const file = static_cast<std::FILE*>(stream);
+    return file != nullptr && isDiskFile(fileno(file)) ? ftello(file) : -1;
 }
 
 std::int32_t QVStreamSeek64(void* stream, std::int64_t offset, std::int32_t origin) noexcept {

@@ -27,7 +27,8 @@ namespace {
 struct ProcessStatus {
     bool isKnown = false;
     char state = 0;
-    unsigned long long start = 0;
+    long threads = 0;
+    std::uint32_t start = 0;
 
     explicit ProcessStatus(std::uint32_t id) noexcept {
         char path[32];
@@ -42,20 +43,23 @@ struct ProcessStatus {
         }
     }
 
-    bool hasEnded() const noexcept { return state == 'Z' || state == 'X'; }
+    /// A process whose main thread alone has left has the state of one that ended, and lives.
+    bool hasEnded() const noexcept { return (state == 'Z' || state == 'X') && threads <= 1; }
 
 private:
-    /// The program's name stands in parentheses and may hold any character; behind it stand the
-    /// state and, nineteen fields on, the start.
+    /// The program's name stands in parentheses and may hold any character. Behind it stand the
+    /// state, seventeen fields on the number of threads, and two fields on the start.
     void parse(std::string_view text) noexcept {
         const std::size_t name = text.rfind(')');
         if (name == std::string_view::npos) {
             return;
         }
+        unsigned long long wholeStart = 0;
         isKnown = std::sscanf(text.data() + name + 1,
                               " %c %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s"
-                              " %*s %*s %llu",
-                              &state, &start) == 2;
+                              " %ld %*s %llu",
+                              &state, &threads, &wholeStart) == 3;
+        start = static_cast<std::uint32_t>(wholeStart);
     }
 };
 
@@ -124,21 +128,36 @@ private:
     struct stat status_ = {};
 };
 
+/// What this process knows of itself, or what the process knew that it was forked from. One word,
+/// so that its threads agree without a lock, which a fork could leave locked.
+std::atomic<ProcessIdentity> ownIdentity;
+static_assert(decltype(ownIdentity)::is_always_lock_free);
+
 } // namespace
 
 ProcessIdentity currentProcess() noexcept {
     const std::uint32_t id = currentProcessId();
-    return {id, ProcessStatus(id).start};
+    ProcessIdentity known = ownIdentity.load();
+    if (known.id != id) {
+        const ProcessIdentity learned = {id, ProcessStatus(id).start};
+        if (ownIdentity.compare_exchange_strong(known, learned)) {
+            known = learned;
+        }
+    }
+    return known;
 }
 
 std::uint32_t currentProcessId() noexcept { return static_cast<std::uint32_t>(getpid()); }
 
 bool isRunning(const ProcessIdentity& process) noexcept {
+    if (process.id == currentProcessId()) {
+        return process == currentProcess();
+    }
     if (kill(static_cast<pid_t>(process.id), 0) == -1 && errno == ESRCH) {
         return false;
     }
     const ProcessStatus status(process.id);
-    return !status.isKnown || (!status.hasEnded() && process.isSame({process.id, status.start}));
+    return !status.isKnown || (!status.hasEnded() && process.mayBe({process.id, status.start}));
 }
 
 namespace {
@@ -149,17 +168,26 @@ struct CloseFolder {
 
 using IsInUse = bool (*)(const void* memory, std::size_t size);
 
+/// An empty file has no user: its maker was killed before it had filled it, or still waits for the
+/// lock and begins anew where the file has lost its name.
+bool hasUser(const LockedFile& file, IsInUse isInUse) noexcept {
+    if (file.size() == 0) {
+        return false;
+    }
+    void* address = nullptr;
+    if (mapFile(file.get(), file.size(), false, &address) < 0) {
+        return true; // nobody knows
+    }
+    const bool result = isInUse(address, file.size());
+    munmap(address, file.size());
+    return result;
+}
+
 void discardIfUnused(const std::string& name, IsInUse isInUse) noexcept {
     LockedFile file(shm_open(name.c_str(), O_RDWR | O_CLOEXEC, 0));
-    void* address = nullptr;
-    if (file.lock(LOCK_NB) < 0 || !file.hasName() || file.size() == 0 ||
-        mapFile(file.get(), file.size(), false, &address) < 0) {
-        return;
-    }
-    if (!isInUse(address, file.size())) {
+    if (file.lock(LOCK_NB) >= 0 && file.hasName() && !hasUser(file, isInUse)) {
         shm_unlink(name.c_str());
     }
-    munmap(address, file.size());
 }
 
 } // namespace
@@ -169,6 +197,7 @@ NamedBlock::~NamedBlock() { close(); }
 std::int32_t NamedBlock::openLocked(const std::string& name, std::size_t size,
                                     std::uint32_t permissions) {
     name_ = systemName(name);
+    currentProcess(); // learned while there is a descriptor for it
     for (;;) {
         LockedFile file(shm_open(name_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, permissions));
         std::int32_t result = file.lock();

@@ -53,8 +53,17 @@ std::int32_t openFile(const std::wstring& path, std::uint32_t access,
     return QV_S_OK;
 }
 
-/// What a read says at the end of a file or of a pipe.
-bool isEnd(DWORD error) noexcept { return error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF; }
+/// Reads once. @return the error, which a message longer than the buffer that it has filled is not.
+DWORD readOnce(HANDLE file, void* buffer, DWORD length, DWORD& taken) noexcept {
+    taken = 0;
+    const DWORD error = ReadFile(file, buffer, length, &taken, nullptr) ? NO_ERROR : GetLastError();
+    return error == ERROR_MORE_DATA ? NO_ERROR : error;
+}
+
+/// What a read says at the end of a file, of a pipe, and of an empty pipe that does not block.
+bool isEnd(DWORD error) noexcept {
+    return error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF || error == ERROR_NO_DATA;
+}
 
 bool isPipe(HANDLE file) noexcept { return GetFileType(file) == FILE_TYPE_PIPE; }
 
@@ -67,6 +76,12 @@ bool hasWriter(HANDLE file) noexcept {
 /// A place in front of the start has an error of its own here and none elsewhere.
 std::int32_t seekResult(DWORD error) noexcept {
     return error == ERROR_NEGATIVE_SEEK ? QV_E_INVALIDARG : QVResultFromNative(error);
+}
+
+/// The library itself takes a pipe for a file that is always at its start.
+bool isDiskFile(std::FILE* stream) noexcept {
+    const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    return GetFileType(file) == FILE_TYPE_DISK;
 }
 
 /// In front of a call of the runtime library, which does not set both of its numbers each time.
@@ -127,6 +142,12 @@ std::int32_t QVFileClose(std::uint64_t handle) noexcept {
     return CloseHandle(toNative(handle)) ? QV_S_OK : lastNativeResult();
 }
 
+void QVFileAbandon(std::uint64_t handle) noexcept {
+    if (handle != QV_FILE_NONE) {
+        CloseHandle(toNative(handle));
+    }
+}
+
 std::int32_t QVFileGetSize(std::uint64_t handle, std::int64_t* size) noexcept {
     if (size == nullptr) {
         return QV_E_POINTER;
@@ -169,16 +190,17 @@ std::int32_t QVFileRead(std::uint64_t handle, void* buffer, std::uint32_t length
         return QV_S_OK;
     }
     DWORD taken = 0;
-    while (ReadFile(file, buffer, length, &taken, nullptr)) {
-        if (taken != 0 || !hasWriter(file)) {
-            *count = taken;
-            return QV_S_OK;
+    DWORD error = readOnce(file, buffer, length, taken);
+    while (taken == 0 && (error == NO_ERROR || error == ERROR_NO_DATA) && hasWriter(file)) {
+        if (error == ERROR_NO_DATA) {
+            Sleep(1); // an empty pipe that does not block: its writer has to come first
         }
+        error = readOnce(file, buffer, length, taken);
     }
-    if (!isEnd(GetLastError())) {
-        return lastNativeResult();
+    if (error != NO_ERROR && !isEnd(error)) {
+        return QVResultFromNative(error);
     }
-    *count = 0;
+    *count = taken;
     return QV_S_OK;
 }
 
@@ -230,7 +252,8 @@ std::uint64_t QVFileGetStandard(std::int32_t which) noexcept {
 }
 
 std::int64_t QVStreamTell64(void* stream) noexcept {
-    return stream == nullptr ? -1 : _ftelli64(static_cast<std::FILE*>(stream));
+    auto* const file = static_cast<std::FILE*>(stream);
+    return file != nullptr && isDiskFile(file) ? _ftelli64(file) : -1;
 }
 
 std::int32_t QVStreamSeek64(void* stream, std::int64_t offset, std::int32_t origin) noexcept {

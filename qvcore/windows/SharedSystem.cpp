@@ -31,13 +31,10 @@ std::int32_t lockMutex(std::uintptr_t mutex) noexcept {
     return result == WAIT_OBJECT_0 || result == WAIT_ABANDONED ? QV_S_OK : lastNativeResult();
 }
 
-std::uint64_t startOf(HANDLE process) noexcept {
+std::uint32_t startOf(HANDLE process) noexcept {
     FILETIME start = {};
     FILETIME ignored = {};
-    if (!GetProcessTimes(process, &start, &ignored, &ignored, &ignored)) {
-        return 0;
-    }
-    return (std::uint64_t{start.dwHighDateTime} << 32) | start.dwLowDateTime;
+    return GetProcessTimes(process, &start, &ignored, &ignored, &ignored) ? start.dwLowDateTime : 0;
 }
 
 bool hasEnded(HANDLE process) noexcept { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }
@@ -69,9 +66,11 @@ bool isRunning(const ProcessIdentity& process) noexcept {
     const HANDLE opened =
         OpenProcess(SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process.id);
     if (opened == nullptr) {
-        return GetLastError() == ERROR_ACCESS_DENIED;
+        // Only this error says that there is no such process. After any other it may well run, and
+        // what it holds is not to be given away.
+        return GetLastError() != ERROR_INVALID_PARAMETER;
     }
-    const bool result = process.isSame({process.id, startOf(opened)}) && !hasEnded(opened);
+    const bool result = process.mayBe({process.id, startOf(opened)}) && !hasEnded(opened);
     CloseHandle(opened);
     return result;
 }

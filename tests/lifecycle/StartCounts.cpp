@@ -152,11 +152,15 @@ void entryTakesAFailedStart() {
 } // namespace
 
 void* operator new(std::size_t size) {
-    void* const memory = allocationsLeft == 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) {
+    if (allocationsLeft == 0) {
+        allocationsLeft = unlimited; // one fails
         throw std::bad_alloc();
     }
     allocationsLeft -= allocationsLeft > 0 ? 1 : 0;
+    void* const memory = std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
     return memory;
 }
 void operator delete(void* memory) noexcept { std::free(memory); }

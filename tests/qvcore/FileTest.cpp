@@ -177,6 +177,15 @@ TEST_F(FileTest, ReadsAndWritesNothingForALengthOfZero) {
     EXPECT_EQ(QVFileClose(file), 0);
 }
 
+TEST_F(FileTest, IsClosedWhenItIsAbandoned) {
+    const std::uint64_t file = open(path, writeNew);
+    write(file, "hello");
+    QVFileAbandon(file);
+    EXPECT_EQ(QVFileClose(file), invalidHandle);
+    EXPECT_EQ(contents(systemPath()), "hello");
+    QVFileAbandon(QV_FILE_NONE);
+}
+
 TEST_F(FileTest, SeeksFromThreeOrigins) {
     make("0123456789");
     const std::uint64_t file = open(path, QV_FILE_READ);

@@ -19,4 +19,12 @@ inline std::uint64_t openFile(const String& path, std::uint32_t access) {
     return handle;
 }
 
+/// Closes the file of a stream that goes: there is nobody to tell what was lost, and no second try.
+inline void dropFile(std::uint64_t handle) noexcept {
+    const std::int32_t result = QVFileClose(handle);
+    if (result < 0 && result != QV_E_INVALIDHANDLE) {
+        QVFileAbandon(handle);
+    }
+}
+
 } // namespace qv::io::detail

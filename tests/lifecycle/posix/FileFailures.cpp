@@ -22,6 +22,7 @@ using qv::io::FileOutputStream;
 
 namespace {
 
+int closes = 0;         ///< so far
 int closesThatFail = 0; ///< of those to come
 int closeError = 0;     ///< their error
 std::optional<std::int32_t> readResult;
@@ -39,6 +40,7 @@ Function* standsInFor(const char* name) {
 extern "C" int close(int descriptor) {
     static const auto systemClose = standsInFor<int(int)>("close");
     const int result = systemClose(descriptor);
+    ++closes;
     if (closesThatFail == 0) {
         return result;
     }
@@ -152,20 +154,56 @@ void aReaderThatCannotBeClosedKeepsItsHandle() {
     CHECK(!isOpen(handle));
 }
 
+/// A thread may have been given its number meanwhile.
+void aHandleThatIsNoneIsNotClosed() {
+    const std::uint64_t handle = opened();
+    CHECK(QVFileClose(handle) == QV_S_OK);
+    closes = 0;
+    CHECK(QVFileClose(handle) == QV_E_INVALIDHANDLE);
+    CHECK(closes == 0);
+}
+
+void anAbandonedHandleIsGoneWhateverIsLost() {
+    const std::uint64_t handle = opened();
+    failCloses(1, EIO);
+    QVFileAbandon(handle);
+    CHECK(!isOpen(handle));
+    CHECK(closesThatFail == 0);
+    QVFileAbandon(QV_FILE_NONE);
+}
+
+/// The handle of a stream that is dropped while `failing` closes fail.
+template <class Stream, class... Arguments>
+std::uint64_t dropped(int failing, Arguments... arguments) {
+    Stream stream(path(), arguments...);
+    const std::uint64_t handle = stream.getHandle();
+    CHECK(isOpen(handle));
+    failCloses(failing, EIO);
+    return handle;
+}
+
 void aDroppedStreamLeavesNoHandleBehind() {
-    std::uint64_t handle = QV_FILE_NONE;
-    {
-        FileOutputStream out(path(), false);
-        handle = out.getHandle();
-        failCloses(1, EIO);
+    constexpr int all = 1000;
+    for (const int failing : {0, 1, all}) {
+        const std::uint64_t written = dropped<FileOutputStream>(failing, false);
+        failCloses(0, 0);
+        CHECK(!isOpen(written));
+        const std::uint64_t read = dropped<FileInputStream>(failing);
+        failCloses(0, 0);
+        CHECK(!isOpen(read));
     }
-    CHECK(!isOpen(handle));
-    {
-        FileInputStream in(path());
-        handle = in.getHandle();
-        failCloses(1, EIO);
-    }
-    CHECK(!isOpen(handle));
+}
+
+void aDroppedStreamLeavesWhatItDoesNotOwn() {
+    const std::uint64_t handle = opened();
+    { FileOutputStream out(handle, false); }
+    { FileInputStream in(handle, false); }
+    CHECK(isOpen(handle));
+    CHECK(QVFileClose(handle) == QV_S_OK);
+    closes = 0;
+    { FileOutputStream out(handle, true); } // nor the number of what somebody else has closed
+    { FileInputStream in(handle, true); }
+    CHECK(closes == 0);
 }
 
 void theEndMayAlsoComeAsAResult() {
@@ -205,7 +243,10 @@ int main() {
     aFailureThatComesTooLateIsNone();
     aWriterThatCannotBeClosedKeepsItsHandle();
     aReaderThatCannotBeClosedKeepsItsHandle();
+    aHandleThatIsNoneIsNotClosed();
+    anAbandonedHandleIsGoneWhateverIsLost();
     aDroppedStreamLeavesNoHandleBehind();
+    aDroppedStreamLeavesWhatItDoesNotOwn();
     theEndMayAlsoComeAsAResult();
     aFileWithoutASizeIsClosedBeforeThatIsThrown();
     aLockNeedsANameThatCanBeTold();

@@ -1,9 +1,12 @@
 #include "qv/io/OutputStreamWriter.h"
 
+#include "qv/ClassManager.h"
 #include "qv/Reference.h"
 #include "qv/String.h"
 #include "qv/io/ByteArrayOutputStream.h"
+#include "qv/text/charset/CTBMultiByte.h"
 #include "qv/text/charset/CharToByteConverter.h"
+#include "qv/text/charset/CodecManager.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Slots.h"
 #include "tests/support/Streams.h"
@@ -18,6 +21,56 @@ using namespace qv;
 using text::charset::InvalidCharacterException;
 
 constexpr auto toBytes = support::unitsOf<signed char>;
+
+/// An encoder that is not the library's own: four bytes for a pair, one for ASCII.
+class OutsideEncoder : public text::charset::CTBMultiByte {
+public:
+    OutsideEncoder() {
+        encodingName_ = u"x-outside";
+        maxBytesPerChar_ = 4;
+        maxCharsPerByte_ = 1;
+    }
+
+    static const char16_t* registered() {
+        constexpr const char16_t* className = u"OutputStreamWriterTest::OutsideEncoder";
+        ClassManager::getInstance()->registerClass(className, &typeid(OutsideEncoder),
+                                                   []() -> Object* { return new OutsideEncoder; });
+        text::charset::CodecManager::getInstance()->registerCodec(u"x-outside", className,
+                                                                  u"qv::text::charset::BTCASCII");
+        return u"x-outside";
+    }
+
+protected:
+    int convertChar(unsigned int codePoint, signed char* out, int) override {
+        if (codePoint < 0x80) {
+            *out = static_cast<signed char>(codePoint);
+            return 1;
+        }
+        if (codePoint < 0x10000) {
+            return 0;
+        }
+        for (int i = 0; i < 4; ++i) {
+            out[i] = static_cast<signed char>('0' + (codePoint >> (4 * (3 - i)) & 0xF));
+        }
+        return 4;
+    }
+};
+
+/// What is written of a text that begins with `plain` letters and goes on with pairs and letters,
+/// through a buffer of `size` bytes.
+std::string encodedPairs(const char16_t* encoding, int plain, std::int32_t size) {
+    String text;
+    for (int i = 0; i < plain; ++i) {
+        text.append(u"a");
+    }
+    text.append(u"\U0001F600b\U0001F601\U0001F602c");
+    const auto sink = make<support::BlockOutputStream>();
+    io::OutputStreamWriter out(sink, encoding, size);
+    out.write(text);
+    out.flush();
+    const std::vector<signed char> bytes = sink->all();
+    return {bytes.begin(), bytes.end()};
+}
 
 class OutputStreamWriterTest : public testing::Test {
 public:
@@ -96,6 +149,22 @@ TEST_F(OutputStreamWriterTest, KeepsManyPairsWhole) {
     out.write(text);
     out.flush();
     EXPECT_EQ(bytes->toString(u"UTF-8"), text);
+}
+
+/// Where the buffer ends within a pair, an encoder may forget the pair's first half.
+TEST_F(OutputStreamWriterTest, KeepsPairsWholeForEveryEncoder) {
+    const char16_t* const outside = OutsideEncoder::registered();
+    for (const std::int32_t size : {6, 7, 8, 9, 10, 11, 100}) {
+        for (int plain = 0; plain < 30; ++plain) {
+            const std::string letters(static_cast<std::size_t>(plain), 'a');
+            for (const char16_t* const encoding : {u"ASCII", u"ISO8859_1", u"CP437", u"CP1252"}) {
+                ASSERT_EQ(encodedPairs(encoding, plain, size), letters + "?b??c")
+                    << String(encoding).getBytes() << " " << plain << " in " << size;
+            }
+            ASSERT_EQ(encodedPairs(outside, plain, size), letters + "?600b?601?602c")
+                << plain << " in " << size;
+        }
+    }
 }
 
 using Blocks = std::vector<std::vector<signed char>>;

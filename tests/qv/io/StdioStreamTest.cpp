@@ -66,6 +66,14 @@ const support::ChildRole stdinSkip("stdin-skip", [](const Arguments&) {
     return in.skip(0) == 0 ? 0 : 1;
 });
 
+const support::ChildRole stdinSkipBetweenReads("stdin-skip-between-reads", [](const Arguments&) {
+    StdioInputStream in;
+    support::tell(std::to_string(in.read()));
+    support::tell(std::to_string(in.skip(3)));
+    support::tell(std::to_string(in.read()));
+    return 0;
+});
+
 /// The same over a file of six bytes.
 const support::ChildRole stdinFileSkip("stdin-file-skip", [](const Arguments& arguments) {
     if (std::freopen(arguments[0].c_str(), "rb", stdin) == nullptr) {
@@ -152,6 +160,10 @@ TEST(StdioInputStreamTest, BytesAreUnsignedAndEndInMinusOne) {
 
 TEST(StdioInputStreamTest, PipeSkipsNothing) {
     EXPECT_EQ(answers("stdin-skip", "abcdef", {}), (Lines{"0"}));
+}
+
+TEST(StdioInputStreamTest, PipeLosesNothingByASkip) {
+    EXPECT_EQ(answers("stdin-skip-between-reads", "abcdef", {}), (Lines{"97", "0", "98"}));
 }
 
 TEST(StdioInputStreamTest, FileSkipsByMovingItsPosition) {

@@ -110,6 +110,39 @@ TEST(ConditionThreadsTest, ASignalWakesAWaiter) {
     waiter.join();
 }
 
+TEST(ConditionThreadsTest, ASignalWakesOneOfTwoWaitersAndABroadcastTheOther) {
+    sync::Condition condition;
+    int waiting = 0;
+    int woken = 0;
+    const auto wait = [&] {
+        const sync::Condition::Holder holder(condition);
+        ++waiting;
+        condition.wait();
+        ++woken;
+    };
+    std::thread first(wait);
+    std::thread second(wait);
+    const auto await = [&](const int& counter, int count) {
+        for (bool isReached = false; !isReached; std::this_thread::yield()) {
+            const sync::Condition::Holder holder(condition);
+            isReached = counter >= count;
+        }
+    };
+    await(waiting, 2);
+    condition.signal();
+    await(woken, 1);
+    {
+        const sync::Condition::Holder holder(condition);
+        EXPECT_EQ(support::thrownResult([&] { condition.wait(50); }), timedOut)
+            << "time for another that was woken to go on";
+        EXPECT_EQ(woken, 1);
+    }
+    condition.broadcast();
+    first.join();
+    second.join();
+    EXPECT_EQ(woken, 2);
+}
+
 TEST(ConditionThreadsTest, ABroadcastWakesAllWaiters) {
     sync::Condition condition;
     int waiting = 0;

@@ -5,9 +5,11 @@
 #include "tests/support/posix/TerminalSession.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <termios.h>
+#include <thread>
 #include <unistd.h>
 
 using support::TerminalSession;
@@ -43,6 +45,67 @@ int tellKeyAndSignal(const std::vector<std::string>&) {
     return 0;
 }
 
+/// Tells every key up to Ctrl-Z, and whether the terminal still has the stop key that the program's
+/// handler for a resized terminal gave it meanwhile.
+int tellKeysAndMark(const std::vector<std::string>&) {
+    static constexpr cc_t mark = 1;
+    std::signal(SIGWINCH, [](int) {
+        termios marked = {};
+        tcgetattr(STDIN_FILENO, &marked);
+        marked.c_cc[VSTOP] = mark;
+        tcsetattr(STDIN_FILENO, TCSANOW, &marked);
+        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "resized\n", 8);
+    });
+    support::tell("ready");
+    return QVConsoleReadKeys(
+        [](void*, std::int32_t key) {
+            termios now = {};
+            tcgetattr(STDIN_FILENO, &now);
+            support::tell(std::to_string(key) +
+                          (now.c_cc[VSTOP] == mark ? " marked" : " unmarked"));
+            return key == 26 ? 0 : 1;
+        },
+        nullptr);
+}
+
+/// Tells a key that another thread reads, and then what its own call gave, which the signals of the
+/// meantime meet first.
+int tellKeyAndCall(const std::vector<std::string>&) {
+    std::signal(SIGUSR1, [](int) {
+        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "signal\n", 7);
+    });
+    int ends[2] = {};
+    if (pipe(ends) != 0) {
+        return 1;
+    }
+    support::tell("ready");
+    std::thread reader([&] {
+        std::int32_t key = 0;
+        QVConsoleReadKey(&key);
+        support::tell(std::to_string(key));
+        [[maybe_unused]] const ssize_t written = write(ends[1], "x", 1);
+    });
+    char byte = 0;
+    const ssize_t count = read(ends[0], &byte, 1);
+    reader.join();
+    support::tell(std::to_string(count));
+    return 0;
+}
+
+/// Ends the process while another thread waits for a key, and tells before that it waits.
+int endBesideKeyReader(const std::vector<std::string>&) {
+    support::tell("ready");
+    std::thread([] {
+        std::int32_t key = 0;
+        QVConsoleReadKey(&key);
+    }).detach();
+    for (termios now = {}; tcgetattr(STDIN_FILENO, &now) == 0 && (now.c_lflag & ICANON) != 0;) {
+        std::this_thread::yield();
+    }
+    support::tell("raw");
+    std::exit(7);
+}
+
 /// Leads a session whose foreground process tells a key: stops it, tells how it finds the terminal,
 /// and lets it go on.
 int stopKeyReader(const std::vector<std::string>&) {
@@ -74,6 +137,9 @@ int stopKeyReader(const std::vector<std::string>&) {
 
 const support::ChildRole oneGoRole("tell-keys-in-one-go", tellKeysInOneGo);
 const support::ChildRole signalRole("tell-key-and-signal", tellKeyAndSignal);
+const support::ChildRole markRole("tell-keys-and-mark", tellKeysAndMark);
+const support::ChildRole callRole("tell-key-and-call", tellKeyAndCall);
+const support::ChildRole endRole("end-beside-key-reader", endBesideKeyReader);
 const support::ChildRole stopRole("stop-key-reader", stopKeyReader);
 
 } // namespace
@@ -167,4 +233,38 @@ TEST(PosixConsoleTest, LetsTheProgramsOwnHandlerRunAndReadsOn) {
     session.type("a");
     EXPECT_EQ(session.readLine(), "0 97 1");
     EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleTest, LeavesTheTerminalAsItIsForOtherSignals) {
+    TerminalSession session("tell-keys-and-mark");
+    session.awaitRaw(true);
+    for (int round = 0; round < 20; ++round) {
+        session.signal(SIGWINCH);
+        EXPECT_EQ(session.readLine(), "resized");
+        session.type("a");
+        EXPECT_EQ(session.readLine(), "97 marked");
+    }
+}
+
+TEST(PosixConsoleThreadsTest, LetsTheCallsOfOtherThreadsGoOn) {
+    TerminalSession session("tell-key-and-call");
+    for (int round = 0; round < 20; ++round) {
+        session.awaitRaw(true);
+        session.signal(SIGUSR1);
+        EXPECT_EQ(session.readLine(), "signal");
+    }
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.readLine(), "1") << "a call that the signal broke off gives -1";
+    EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleThreadsTest, RestoresTheTerminalWhenAnotherThreadEndsTheProcess) {
+    TerminalSession session("end-beside-key-reader");
+    EXPECT_EQ(session.readLine(), "raw");
+    const int status = session.await();
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_TRUE(session.isRestored());
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -119,6 +120,13 @@ TEST(PosixFileTest, HasNoPlaceToSeekInAPipe) {
 TEST(PosixFileTest, OpensAtTheEndWhatHasNone) {
     const std::uint64_t null = open(u"/dev/null", QV_FILE_WRITE | QV_FILE_ATEND, 0);
     EXPECT_EQ(QVFileClose(null), 0);
+}
+
+TEST(PosixStreamTest, HasAPositionOnADiskOnly) {
+    std::FILE* const stream = std::fopen("/dev/null", "rb");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(QVStreamTell64(stream), -1);
+    std::fclose(stream);
 }
 
 TEST(PosixPipeTest, RaisesNoSignalWhenItIsBroken) {

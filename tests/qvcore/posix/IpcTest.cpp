@@ -1,9 +1,11 @@
 #include "qvcore/Ipc.h"
 #include "qvcore/Locks.h"
+#include "qvcore/common/ProcessTable.h"
 
 #include "tests/qvcore/Results.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/ChildRole.h"
+#include "tests/support/StartedThread.h"
 #include "tests/support/TestProcess.h"
 
 #include <cerrno>
@@ -12,10 +14,14 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <set>
+#include <map>
+#include <pthread.h>
+#include <sstream>
 #include <string>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -41,23 +47,72 @@ int inFork(Work work) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// The files of shared memory that this process has mapped.
-std::set<std::string> mappedFiles() {
-    std::set<std::string> names;
+/// A forked child that works, tells the result and stays until it is killed.
+class StayingFork {
+public:
+    template <typename Work>
+    explicit StayingFork(Work work) {
+        int ends[2];
+        EXPECT_EQ(pipe(ends), 0);
+        child_ = fork();
+        if (child_ == 0) {
+            const std::int32_t result = work();
+            const ssize_t written = write(ends[1], &result, sizeof result);
+            while (written > 0) {
+                pause();
+            }
+            _exit(1);
+        }
+        close(ends[1]);
+        EXPECT_EQ(read(ends[0], &result_, sizeof result_), static_cast<ssize_t>(sizeof result_));
+        close(ends[0]);
+    }
+    ~StayingFork() { kill(); }
+    StayingFork(const StayingFork&) = delete;
+    StayingFork& operator=(const StayingFork&) = delete;
+
+    std::int32_t result() const { return result_; }
+    void kill() {
+        if (child_ != 0) {
+            EXPECT_EQ(::kill(child_, SIGKILL), 0);
+            waitpid(child_, nullptr, 0);
+            child_ = 0;
+        }
+    }
+
+private:
+    pid_t child_ = 0;
+    std::int32_t result_ = -1;
+};
+
+/// The files of shared memory that this process has mapped, and where each lies first.
+std::map<std::string, qv::core::SharedHead*> mappedFiles() {
+    std::map<std::string, qv::core::SharedHead*> files;
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) {
         const std::size_t path = line.find("/dev/shm/");
         if (path != std::string::npos) {
-            names.insert(line.substr(path));
+            std::uintptr_t address = 0;
+            std::istringstream(line) >> std::hex >> address;
+            files.try_emplace(line.substr(path), reinterpret_cast<qv::core::SharedHead*>(address));
         }
     }
-    return names;
+    return files;
 }
 
-/// Takes all descriptors of the process but one, and gives them back.
-class OneDescriptorLeft {
+/// The file of the lock of that name, which nobody has open.
+std::string fileOfLock(const std::string& name) {
+    std::uint64_t lock = 0;
+    EXPECT_EQ(QVNamedSemOpen(name.c_str(), 1, &lock), 0);
+    const std::string file = mappedFiles().begin()->first;
+    EXPECT_EQ(QVNamedSemClose(lock), 0);
+    return file;
+}
+
+/// Takes all descriptors of the process but some, and gives them back.
+class DescriptorsLeft {
 public:
-    OneDescriptorLeft() {
+    explicit DescriptorsLeft(std::size_t left) {
         getrlimit(RLIMIT_NOFILE, &before_);
         const rlimit few = {256, before_.rlim_max};
         setrlimit(RLIMIT_NOFILE, &few);
@@ -65,53 +120,60 @@ public:
              taken = open("/dev/null", O_RDONLY)) {
             taken_.push_back(taken);
         }
-        giveOne();
+        giveBackTo(taken_.size() - left);
     }
-    ~OneDescriptorLeft() {
-        while (!taken_.empty()) {
-            giveOne();
-        }
+    ~DescriptorsLeft() {
+        giveBackTo(0);
         setrlimit(RLIMIT_NOFILE, &before_);
     }
-    OneDescriptorLeft(const OneDescriptorLeft&) = delete;
-    OneDescriptorLeft& operator=(const OneDescriptorLeft&) = delete;
+    DescriptorsLeft(const DescriptorsLeft&) = delete;
+    DescriptorsLeft& operator=(const DescriptorsLeft&) = delete;
 
 private:
-    void giveOne() {
-        close(taken_.back());
-        taken_.pop_back();
+    void giveBackTo(std::size_t count) {
+        for (; taken_.size() > count; taken_.pop_back()) {
+            close(taken_.back());
+        }
     }
 
     rlimit before_ = {};
     std::vector<int> taken_;
 };
 
-/// Opens and uses a lock: a sanitizer looks at a class once, and needs descriptors for it.
+/// Opens and uses a lock: a sanitizer looks at a class once, and needs
+/// descriptors for it.
 void useALock() {
     const std::string name = uniqueName() + "-first-" + std::to_string(getpid());
     std::uint64_t lock = 0;
     EXPECT_EQ(QVNamedSemOpen(name.c_str(), 1, &lock), 0);
+    EXPECT_EQ(QVSemaphoreWait(lock), 0);
     EXPECT_EQ(QVNamedSemClose(lock), 0);
 }
 
-/// Opens the lock with the last descriptor, so that the process cannot learn its own start, and
-/// holds it until told to end.
-const support::ChildRole poorHolder("semaphore-without-descriptors",
-                                    [](const std::vector<std::string>& arguments) {
-                                        std::uint64_t lock = 0;
-                                        std::int32_t result = 0;
-                                        useALock();
-                                        {
-                                            const OneDescriptorLeft poor;
-                                            result =
-                                                QVNamedSemOpen(arguments.at(0).c_str(), 1, &lock);
-                                        }
-                                        support::tell(result == 0 ? "open" : "not open");
-                                        result = QVSemaphoreWait(lock);
-                                        support::tell(result == 0 ? "held" : "not held");
-                                        support::hear();
-                                        return QVNamedSemClose(lock);
-                                    });
+/// The letter by which the system tells how this process is.
+char ownState() {
+    std::ifstream file("/proc/" + std::to_string(getpid()) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    return text.at(text.rfind(')') + 2);
+}
+
+/// Holds the lock while its main thread has left and another lives on.
+const support::ChildRole headless("semaphore-without-main-thread",
+                                  [](const std::vector<std::string>& arguments) -> int {
+                                      std::uint64_t lock = 0;
+                                      QVNamedSemOpen(arguments.at(0).c_str(), 1, &lock);
+                                      const std::int32_t result = QVSemaphoreWait(lock);
+                                      std::thread([result] {
+                                          while (ownState() != 'Z') {
+                                              std::this_thread::yield();
+                                          }
+                                          support::tell(result == 0 ? "held" : "not held");
+                                          support::hear();
+                                          std::_Exit(0);
+                                      }).detach();
+                                      pthread_exit(nullptr);
+                                  });
 
 } // namespace
 
@@ -125,35 +187,89 @@ extern "C" int posix_fallocate(int descriptor, off_t offset, off_t size) {
 }
 
 TEST(PosixIpcTest, KeepsTheLockOfAProcessThatCouldNotLearnItsOwnStart) {
-    const std::string name = uniqueName() + "-poor";
     std::uint64_t lock = 0;
-    support::TestProcess holder("semaphore-without-descriptors", {name});
-    ASSERT_EQ(holder.readLine(), "open");
-    ASSERT_EQ(QVNamedSemOpen(name.c_str(), 1, &lock), 0);
-    EXPECT_EQ(holder.readLine(), "held");
+    useALock();
+    ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &lock), 0);
+    StayingFork holder([lock] {
+        const DescriptorsLeft poor(0);
+        return QVSemaphoreWait(lock);
+    });
+    EXPECT_EQ(holder.result(), 0);
     EXPECT_EQ(QVSemaphoreTryWait(lock), timedOut);
     holder.kill();
     EXPECT_EQ(QVSemaphoreTryWait(lock), 0) << "its end is known all the same";
     EXPECT_EQ(QVNamedSemClose(lock), 0);
 }
 
-TEST(PosixIpcTest, KeepsTheCountsOfAProcessThatLearnedItsStartLater) {
+TEST(PosixIpcTest, KeepsTheCountsOfAProcessThatCouldHaveLearnedItsStartLater) {
     const std::string name = uniqueName() + "-later";
     std::uint64_t first = 0;
     useALock();
-    {
-        const OneDescriptorLeft poor;
-        ASSERT_EQ(QVNamedSemOpen(name.c_str(), 1, &first), 0);
-    }
-    std::uint64_t second = 0;
-    ASSERT_EQ(QVNamedSemOpen(name.c_str(), 1, &second), 0);
-    EXPECT_EQ(QVSemaphoreWait(first), 0);
-    EXPECT_EQ(QVSemaphorePost(second), 0);
+    ASSERT_EQ(QVNamedSemOpen(name.c_str(), 1, &first), 0);
+    EXPECT_EQ(inFork([&] {
+                  bool isRight = false;
+                  {
+                      const DescriptorsLeft poor(0);
+                      isRight = QVSemaphoreWait(first) == 0;
+                  }
+                  std::uint64_t second = 0;
+                  isRight = isRight && QVNamedSemOpen(name.c_str(), 1, &second) == 0;
+                  isRight = isRight && QVSemaphorePost(second) == 0 && QVNamedSemClose(first) == 0;
+                  std::int32_t value = 0;
+                  isRight = isRight && QVSemaphoreGetValue(second, &value) == 0 && value == 1;
+                  return isRight ? 0 : 1;
+              }),
+              0)
+        << "what the other handle gave back is not owed any more";
     EXPECT_EQ(QVNamedSemClose(first), 0);
-    std::int32_t value = 0;
-    EXPECT_EQ(QVSemaphoreGetValue(second, &value), 0);
-    EXPECT_EQ(value, 1) << "what the other handle gave back is not owed any more";
-    EXPECT_EQ(QVNamedSemClose(second), 0);
+}
+
+TEST(PosixIpcTest, LearnsItsStartThoughItHasOneDescriptorLeft) {
+    useALock();
+    EXPECT_EQ(inFork([] {
+                  std::uint64_t lock = 0;
+                  std::int32_t result = 0;
+                  {
+                      const DescriptorsLeft poor(1);
+                      result = QVNamedSemOpen(uniqueName().c_str(), 1, &lock);
+                  }
+                  if (result != 0) {
+                      return 1;
+                  }
+                  qv::core::ProcessTable& processes = mappedFiles().begin()->second->processes;
+                  return processes.begin()->identity().start != 0 ? 0 : 2;
+              }),
+              0);
+}
+
+TEST(PosixIpcTest, TakesBackWhatAnEarlierProcessOfItsNumberHeld) {
+    struct Case {
+        std::uint32_t earlierStart;
+        std::size_t descriptors; // with none of them a process cannot learn its own start
+    };
+    useALock();
+    for (const Case& row : {Case{1, 0}, Case{0, 10}, Case{1, 10}}) {
+        std::uint64_t lock = 0;
+        ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &lock), 0);
+        ASSERT_EQ(QVSemaphoreWait(lock), 0);
+        const auto [file, block] = *mappedFiles().begin();
+        qv::core::ProcessTable& processes = block->processes;
+        StayingFork child([&] {
+            // What the parent owes is the debt of a process whose number came again.
+            const auto number = static_cast<std::uint32_t>(getpid());
+            processes.begin()->held.store(0);
+            processes.findOrTake({number, row.earlierStart})->held.store(1);
+            const DescriptorsLeft poor(row.descriptors);
+            std::int32_t value = 0;
+            return QVSemaphoreGetValue(lock, &value) == 0 ? value : -1;
+        });
+        EXPECT_EQ(child.result(), 1) << row.earlierStart << ' ' << row.descriptors;
+        EXPECT_EQ(QVNamedSemClose(lock), 0);
+        EXPECT_TRUE(std::filesystem::exists(file)) << "the child has it open";
+        child.kill();
+        useALock();
+        EXPECT_FALSE(std::filesystem::exists(file)) << "nobody has it open";
+    }
 }
 
 /// Opens something shared with its first, second and so on allocation failing.
@@ -162,7 +278,7 @@ void openWithFailures(Open open, Close close) {
     std::uint64_t handle = 0;
     ASSERT_EQ(open(&handle), 0);
     ASSERT_EQ(mappedFiles().size(), 1u);
-    const std::string file = *mappedFiles().begin();
+    const std::string file = mappedFiles().begin()->first;
     ASSERT_EQ(close(handle), 0);
     int failures = 0;
     for (std::size_t failing = 1; failing <= 30; ++failing) {
@@ -252,14 +368,14 @@ TEST(PosixIpcTest, LeavesNoFileBehind) {
     std::uint64_t memory = 0;
     ASSERT_EQ(QVNamedSemOpen(name.c_str(), 1, &semaphore), 0);
     ASSERT_EQ(QVSharedMemOpen(name.c_str(), 0, 0, 10, &memory), 0);
-    const std::set<std::string> files = mappedFiles();
+    const auto files = mappedFiles();
     EXPECT_EQ(files.size(), 2u);
-    for (const std::string& file : files) {
+    for (const auto& [file, block] : files) {
         EXPECT_TRUE(std::filesystem::exists(file));
     }
     EXPECT_EQ(QVNamedSemClose(semaphore), 0);
     EXPECT_EQ(QVSharedMemClose(memory), 0);
-    for (const std::string& file : files) {
+    for (const auto& [file, block] : files) {
         EXPECT_FALSE(std::filesystem::exists(file));
     }
 }
@@ -273,7 +389,7 @@ TEST(PosixIpcTest, ClearsAwayTheFilesOfKilledProcesses) {
     if (child == 0) {
         std::uint64_t handle = 0;
         QVNamedSemOpen(name.c_str(), 1, &handle);
-        const std::string file = *mappedFiles().begin();
+        const std::string file = mappedFiles().begin()->first;
         _exit(write(ends[1], file.data(), file.size()) > 0 ? 0 : 1);
     }
     int status = 0;
@@ -287,6 +403,36 @@ TEST(PosixIpcTest, ClearsAwayTheFilesOfKilledProcesses) {
     ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &other), 0);
     EXPECT_FALSE(std::filesystem::exists(file));
     EXPECT_EQ(QVNamedSemClose(other), 0);
+}
+
+TEST(PosixIpcTest, ClearsAwayTheFileOfAProcessThatWasKilledBeforeItFilledIt) {
+    const std::string file = fileOfLock(uniqueName());
+    const std::string left = file + "-left";
+    const std::string begun = file + "-begun";
+    EXPECT_TRUE(std::ofstream(left).is_open());
+    const int maker = open(begun.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(flock(maker, LOCK_EX), 0);
+    useALock();
+    EXPECT_FALSE(std::filesystem::exists(left));
+    EXPECT_TRUE(std::filesystem::exists(begun)) << "its maker is at work";
+    close(maker);
+    useALock();
+    EXPECT_FALSE(std::filesystem::exists(begun));
+}
+
+TEST(PosixIpcThreadsTest, BeginsAnewWhereItsFileLostItsNameBeforeItWasLocked) {
+    const std::string name = uniqueName();
+    const std::string file = fileOfLock(name);
+    const int other = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    std::uint64_t lock = 0;
+    std::thread opener =
+        startedThread([&] { EXPECT_EQ(QVNamedSemOpen(name.c_str(), 1, &lock), 0); });
+    EXPECT_TRUE(std::filesystem::remove(file));
+    close(other);
+    opener.join();
+    EXPECT_TRUE(std::filesystem::exists(file));
+    EXPECT_EQ(QVNamedSemClose(lock), 0);
 }
 
 TEST(PosixIpcTest, TellsAForkedChildFromItsParent) {
@@ -339,5 +485,17 @@ TEST(PosixIpcTest, FreesWhatAZombieHolds) {
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
+    EXPECT_EQ(QVNamedSemClose(lock), 0);
+}
+
+TEST(PosixIpcThreadsTest, KeepsTheLockOfAProcessWhoseMainThreadHasLeft) {
+    const std::string name = uniqueName();
+    std::uint64_t lock = 0;
+    ASSERT_EQ(QVNamedSemOpen(name.c_str(), 1, &lock), 0);
+    support::TestProcess holder("semaphore-without-main-thread", {name});
+    ASSERT_EQ(holder.readLine(), "held");
+    EXPECT_EQ(QVSemaphoreTryWait(lock), timedOut) << "its other thread lives";
+    holder.kill();
+    EXPECT_EQ(QVSemaphoreTryWait(lock), 0);
     EXPECT_EQ(QVNamedSemClose(lock), 0);
 }

@@ -132,6 +132,62 @@ TEST(WindowsPipeThreadsTest, IsWaitedForWhereItIsFullAndDoesNotBlock) {
     EXPECT_EQ(QVFileClose(handleOf(in)), 0);
 }
 
+TEST(WindowsPipeThreadsTest, IsWaitedForWhereItIsEmptyAndDoesNotBlock) {
+    HANDLE in = nullptr;
+    HANDLE out = nullptr;
+    ASSERT_TRUE(CreatePipe(&in, &out, nullptr, 0));
+    DWORD mode = PIPE_NOWAIT;
+    ASSERT_TRUE(SetNamedPipeHandleState(in, &mode, nullptr, nullptr));
+    std::thread writer([&] {
+        Sleep(50); // the reader is most likely there first
+        EXPECT_EQ(QVFileWrite(handleOf(out), "x", 1), 0);
+        Sleep(50);
+        EXPECT_EQ(QVFileClose(handleOf(out)), 0);
+    });
+    char taken = 0;
+    std::uint32_t count = 7;
+    EXPECT_EQ(QVFileRead(handleOf(in), &taken, 1, &count), 0);
+    EXPECT_EQ(count, 1u);
+    EXPECT_EQ(taken, 'x');
+    EXPECT_EQ(QVFileRead(handleOf(in), &taken, 1, &count), 0);
+    EXPECT_EQ(count, 0u) << "the end";
+    writer.join();
+    EXPECT_EQ(QVFileClose(handleOf(in)), 0);
+}
+
+TEST(WindowsFileTest, AMessageMayBeReadInPieces) {
+    const std::wstring name =
+        L"\\\\.\\pipe\\qv-file-test-" + std::to_wstring(GetCurrentProcessId());
+    const HANDLE in =
+        CreateNamedPipeW(name.c_str(), PIPE_ACCESS_INBOUND,
+                         PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE, 1, 1000, 1000, 0, nullptr);
+    ASSERT_NE(in, INVALID_HANDLE_VALUE);
+    const HANDLE out =
+        CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(out, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(QVFileWrite(handleOf(out), "hello", 5), 0);
+    for (const std::string piece : {"hel", "lo"}) {
+        std::string taken(3, '#');
+        std::uint32_t count = 7;
+        EXPECT_EQ(QVFileRead(handleOf(in), taken.data(), 3, &count), 0);
+        EXPECT_EQ(taken.substr(0, count), piece);
+    }
+    EXPECT_EQ(QVFileClose(handleOf(out)), 0);
+    EXPECT_EQ(QVFileClose(handleOf(in)), 0);
+}
+
+TEST(WindowsStreamTest, HasAPositionOnADiskOnly) {
+    HANDLE in = nullptr;
+    HANDLE out = nullptr;
+    ASSERT_TRUE(CreatePipe(&in, &out, nullptr, 0));
+    std::FILE* const stream =
+        _fdopen(_open_osfhandle(reinterpret_cast<std::intptr_t>(in), 0), "rb");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(QVStreamTell64(stream), -1);
+    std::fclose(stream);
+    EXPECT_EQ(QVFileClose(handleOf(out)), 0);
+}
+
 TEST(WindowsStreamTest, AWriteThatAFullPipeCutsIsAFailure) {
     HANDLE in = nullptr;
     HANDLE out = nullptr;

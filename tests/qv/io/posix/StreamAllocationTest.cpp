@@ -21,8 +21,8 @@ constexpr int length = 120;
 
 /// A source that fails at its piece number `pieces`.
 template <class Slow, class Unit>
-Reference<Slow> failingSource(int pieces) {
-    const auto source = make<Slow>(support::sequence<Unit>(length), 7);
+Reference<Slow> failingSource(const std::vector<Unit>& units, int pieces) {
+    const auto source = make<Slow>(units, 7);
     source->tellsAvailable = true;
     source->piecesBeforeFailures = pieces;
     source->failures = 1;
@@ -42,16 +42,15 @@ bool failsWithout(std::size_t allocation, Work work) {
     return false;
 }
 
-/// Opens a stream over a source of `length` units for each piece at which that may fail and for
-/// each allocation that may, and expects that what the failed read had handed out comes again.
+/// Opens a stream over a source that gives `all` for each piece at which that may fail and for each
+/// allocation that may, and expects that what the failed read had handed out comes again.
 template <class Unit, class Open>
-void expectNothingIsLost(Open open, std::int32_t asked) {
-    const std::vector<Unit> all = support::sequence<Unit>(length);
+void expectNothingIsLost(const std::vector<Unit>& all, Open open, std::int32_t asked) {
     for (int pieces = 0; pieces < 12; ++pieces) {
         for (std::size_t allocation = 0; allocation < 6; ++allocation) {
             const auto in = open(pieces);
             std::vector<Unit> text(1000);
-            std::int32_t read = in->read(text.data(), 3);
+            std::int32_t read = in->read(text.data(), 4);
             failsWithout(allocation, [&] { read += in->read(text.data() + read, asked); });
             for (bool failed = true; failed;) {
                 failed = failsWithout(0, [&] {
@@ -69,10 +68,12 @@ void expectNothingIsLost(Open open, std::int32_t asked) {
 
 TEST(StreamAllocationTest, ABufferedReadThatFailsWithoutMemoryLosesNothing) {
     for (std::int32_t asked = 12; asked < 40; ++asked) {
-        expectNothingIsLost<signed char>(
-            [](int pieces) {
+        const std::vector<signed char> all = support::sequence<signed char>(length);
+        expectNothingIsLost(
+            all,
+            [&](int pieces) {
                 return make<io::BufferedInputStream>(
-                    failingSource<support::SlowInputStream, signed char>(pieces + 1), 16);
+                    failingSource<support::SlowInputStream>(all, pieces + 1), 16);
             },
             asked);
     }
@@ -80,13 +81,53 @@ TEST(StreamAllocationTest, ABufferedReadThatFailsWithoutMemoryLosesNothing) {
 
 TEST(StreamAllocationTest, ADecodingReadThatFailsWithoutMemoryLosesNothing) {
     for (const std::int32_t asked : {12, 100}) {
-        expectNothingIsLost<char16_t>(
+        expectNothingIsLost(
+            support::sequence<char16_t>(length),
             [](int pieces) {
                 return make<io::InputStreamReader>(
-                    failingSource<support::SlowInputStream, signed char>(pieces + 1), u"UTF-8", 8);
+                    failingSource<support::SlowInputStream>(support::sequence<signed char>(length),
+                                                            pieces + 1),
+                    u"UTF-8", 8);
             },
             asked);
     }
+}
+
+/// A bad byte is two units for its decoder, which says that a byte is one at most.
+TEST(StreamAllocationTest, ADecodingReadOfBadBytesThatFailsWithoutMemoryLosesNothing) {
+    const std::vector<signed char> bad(length, static_cast<signed char>(0x80));
+    for (const std::int32_t asked : {12, 100}) {
+        expectNothingIsLost(
+            std::vector<char16_t>(2 * length, u'\uFFFD'),
+            [&](int pieces) {
+                return make<io::InputStreamReader>(
+                    failingSource<support::SlowInputStream>(bad, pieces + 1), u"AMP-7", 8);
+            },
+            asked);
+    }
+}
+
+/// The allocations of a read that gives that many units.
+std::size_t allocationsOf(io::Reader& in, std::int32_t units) {
+    std::vector<char16_t> text(static_cast<std::size_t>(units));
+    const support::Allocations allocations;
+    EXPECT_EQ(in.read(text.data(), units), units);
+    return allocations.count();
+}
+
+TEST(StreamAllocationTest, ADecoderKeepsTheRoomOfAnOrdinaryReadAndNotThatOfALongOne) {
+    const auto source = make<support::SlowInputStream>(support::sequence<signed char>(10'000));
+    source->tellsAvailable = true;
+    source->requests.reserve(10'000);
+    io::InputStreamReader in(source, u"UTF-8", 16);
+    allocationsOf(in, 16);
+    for (int round = 0; round < 10; ++round) {
+        EXPECT_EQ(allocationsOf(in, 16), 0u);
+    }
+    EXPECT_GT(allocationsOf(in, 1000), 0u);
+    EXPECT_GT(allocationsOf(in, 1000), 0u) << "the room of the first is gone";
+    allocationsOf(in, 16);
+    EXPECT_EQ(allocationsOf(in, 16), 0u);
 }
 
 TEST(StreamAllocationTest, ALineThatFailsWithoutMemoryLosesNothing) {
