@@ -20,8 +20,8 @@ namespace qv::io {
 /// Failures of the system are thrown as ResultException with the platform's result; a failed write
 /// gives its locks back.
 ///
-/// Thread safety: internally locked with APPEND, KEEPCLOSED or LOCK; otherwise one thread at a
-/// time.
+/// Thread safety: several threads may write with APPEND, KEEPCLOSED or LOCK, and with KEEPCLOSED
+/// also flush, open, close and ask for the size; otherwise one thread at a time.
 class QV_API FileOutputStream : public OutputStream {
 public:
     static const unsigned int ATEND = 0x1;      ///< opened positioned at its end

@@ -35,13 +35,13 @@ public:
         reader_ = pthread_self();
         sigset_t blocked;
         sigemptyset(&blocked);
-        pthread_sigmask(SIG_BLOCK, nullptr, &mask_);
-        for (std::size_t index = 0; index < signals.size(); ++index) {
-            if (catchSignal(index)) {
-                sigaddset(&blocked, signals[index]);
-            }
+        for (const int signal : signals) {
+            sigaddset(&blocked, signal);
         }
-        pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+        pthread_sigmask(SIG_BLOCK, &blocked, &mask_);
+        for (std::size_t index = 0; index < signals.size(); ++index) {
+            catchSignal(index);
+        }
     }
 
     ~SignalPause() {
@@ -66,12 +66,12 @@ public:
     /// @return false for a signal.
     bool wait(int descriptor) noexcept {
         pollfd ready = {descriptor, POLLIN, 0};
-        while (ppoll(&ready, 1, nullptr, &mask_) == -1 && errno == EINTR) {
-            if (hasArrived()) {
-                return false;
+        while (!hasArrived()) { // another thread may have handed one on already
+            if (ppoll(&ready, 1, nullptr, &mask_) != -1 || errno != EINTR) {
+                return true;
             }
         }
-        return true;
+        return false;
     }
 
 private:
@@ -80,7 +80,7 @@ private:
                            [](std::sig_atomic_t arrived) { return arrived != 0; });
     }
 
-    bool catchSignal(std::size_t index) noexcept {
+    void catchSignal(std::size_t index) noexcept {
         const int signal = signals[index];
         arrived_[index] = 0;
         sigaction(signal, nullptr, &previous_[index]);
@@ -92,7 +92,6 @@ private:
             action.sa_flags = SA_RESTART; // other threads' calls go on; `wait` ends all the same
             sigaction(signal, &action, nullptr);
         }
-        return isCaught_[index];
     }
 
     /// The handler. A thread other than the reader hands the signal on.
@@ -127,17 +126,18 @@ public:
         raw.c_iflag &= ~static_cast<tcflag_t>(ICRNL | INLCR | IGNCR | IXON);
         raw.c_cc[VMIN] = 1;
         raw.c_cc[VTIME] = 0;
-        isRaw_ = true;
+        madeRawBy_ = getpid();
         restarted([&raw] { return tcsetattr(STDIN_FILENO, TCSANOW, &raw); });
     }
     ~RawTerminal() { restore(); }
     RawTerminal(const RawTerminal&) = delete;
     RawTerminal& operator=(const RawTerminal&) = delete;
 
-    /// Also called at the process's end, when another thread ends it while a key is awaited.
+    /// Also called at the process's end, when another thread ends it while a key is awaited. A
+    /// child that was forked meanwhile leaves the terminal alone.
     static void restore() noexcept {
-        if (isRaw_) {
-            isRaw_ = false;
+        pid_t self = getpid();
+        if (madeRawBy_.compare_exchange_strong(self, 0)) {
             restarted([] { return tcsetattr(STDIN_FILENO, TCSANOW, &previous_); });
         }
     }
@@ -156,7 +156,7 @@ public:
 
 private:
     static inline termios previous_;
-    static inline std::atomic<bool> isRaw_ = false;
+    static inline std::atomic<pid_t> madeRawBy_ = 0;
 };
 
 /// Reads one byte of standard input, which is the end of input where there is none.

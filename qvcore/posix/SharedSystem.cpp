@@ -133,6 +133,10 @@ private:
 std::atomic<ProcessIdentity> ownIdentity;
 static_assert(decltype(ownIdentity)::is_always_lock_free);
 
+/// A child may be given the number of an ancestor that has ended.
+[[maybe_unused]] const int forgetsAtFork =
+    pthread_atfork(nullptr, nullptr, [] { ownIdentity.store({}); });
+
 } // namespace
 
 ProcessIdentity currentProcess() noexcept {

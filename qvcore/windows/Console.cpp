@@ -76,8 +76,12 @@ public:
         return bytes;
     }
 
-    std::int32_t read(HANDLE console, DWORD mode, QVKeyTaker take, void* context) {
+    std::int32_t read(HANDLE console, QVKeyTaker take, void* context) {
         const std::lock_guard lock(mutex_);
+        DWORD mode = 0;
+        if (!GetConsoleMode(console, &mode)) { // asked here: another reader has made it raw
+            return lastNativeResult();
+        }
         RawConsole raw(console, mode);
         std::int32_t key = 0;
         do {
@@ -149,5 +153,5 @@ std::int32_t QVConsoleReadKeys(QVKeyTaker take, void* context) noexcept {
         return qv::core::readBytes(take, context);
     }
     return qv::core::guarded(
-        [=] { return qv::core::KeyBytes::instance().read(input, mode, take, context); });
+        [=] { return qv::core::KeyBytes::instance().read(input, take, context); });
 }

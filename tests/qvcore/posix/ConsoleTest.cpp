@@ -4,9 +4,11 @@
 #include "tests/support/TestProcess.h"
 #include "tests/support/posix/TerminalSession.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <string_view>
 #include <sys/wait.h>
 #include <termios.h>
 #include <thread>
@@ -15,6 +17,13 @@
 using support::TerminalSession;
 
 namespace {
+
+/// Tells a line from within a signal handler.
+void tellInHandler(std::string_view line) noexcept {
+    const int error = errno;
+    [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
+    errno = error;
+}
 
 /// Tells every key up to Ctrl-Z and whether it was handed over by a raw terminal.
 int tellKeysInOneGo(const std::vector<std::string>&) {
@@ -35,7 +44,7 @@ int tellKeyAndSignal(const std::vector<std::string>&) {
     static volatile std::sig_atomic_t hasArrived;
     std::signal(SIGUSR1, [](int) {
         hasArrived = 1;
-        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "signal\n", 7);
+        tellInHandler("signal\n");
     });
     support::tell("ready");
     std::int32_t key = 0;
@@ -54,7 +63,7 @@ int tellKeysAndMark(const std::vector<std::string>&) {
         tcgetattr(STDIN_FILENO, &marked);
         marked.c_cc[VSTOP] = mark;
         tcsetattr(STDIN_FILENO, TCSANOW, &marked);
-        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "resized\n", 8);
+        tellInHandler("resized\n");
     });
     support::tell("ready");
     return QVConsoleReadKeys(
@@ -71,9 +80,7 @@ int tellKeysAndMark(const std::vector<std::string>&) {
 /// Tells a key that another thread reads, and then what its own call gave, which the signals of the
 /// meantime meet first.
 int tellKeyAndCall(const std::vector<std::string>&) {
-    std::signal(SIGUSR1, [](int) {
-        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, "signal\n", 7);
-    });
+    std::signal(SIGUSR1, [](int) { tellInHandler("signal\n"); });
     int ends[2] = {};
     if (pipe(ends) != 0) {
         return 1;
@@ -106,6 +113,30 @@ int endBesideKeyReader(const std::vector<std::string>&) {
     std::exit(7);
 }
 
+/// Tells a key, and forks a child that exits while it is awaited.
+int forkBesideKeyReader(const std::vector<std::string>&) {
+    support::tell("ready");
+    std::thread reader([] {
+        std::int32_t key = 0;
+        QVConsoleReadKey(&key);
+        support::tell(std::to_string(key));
+    });
+    for (termios now = {}; tcgetattr(STDIN_FILENO, &now) == 0 && (now.c_lflag & ICANON) != 0;) {
+        std::this_thread::yield();
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        std::exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    termios now = {};
+    tcgetattr(STDIN_FILENO, &now);
+    support::tell((now.c_lflag & (ICANON | ECHO)) == 0 ? "still raw" : "not raw");
+    reader.join();
+    return 0;
+}
+
 /// Leads a session whose foreground process tells a key: stops it, tells how it finds the terminal,
 /// and lets it go on.
 int stopKeyReader(const std::vector<std::string>&) {
@@ -136,6 +167,7 @@ int stopKeyReader(const std::vector<std::string>&) {
 }
 
 const support::ChildRole oneGoRole("tell-keys-in-one-go", tellKeysInOneGo);
+const support::ChildRole forkRole("fork-beside-key-reader", forkBesideKeyReader);
 const support::ChildRole signalRole("tell-key-and-signal", tellKeyAndSignal);
 const support::ChildRole markRole("tell-keys-and-mark", tellKeysAndMark);
 const support::ChildRole callRole("tell-key-and-call", tellKeyAndCall);
@@ -203,7 +235,7 @@ TEST(PosixConsoleTest, KnowsTheTerminalsKeysForErasingAndForTheEnd) {
 }
 
 TEST(PosixConsoleTest, RestoresTheTerminalWhenASignalEndsTheProcess) {
-    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGUSR2}) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGUSR2, SIGQUIT, SIGALRM}) {
         TerminalSession session("tell-keys");
         session.awaitRaw(true);
         session.signal(number);
@@ -246,7 +278,9 @@ TEST(PosixConsoleTest, LeavesTheTerminalAsItIsForOtherSignals) {
     }
 }
 
-TEST(PosixConsoleThreadsTest, LetsTheCallsOfOtherThreadsGoOn) {
+// Not among the suites of the thread sanitizer: it runs handlers later than they were called, when
+// the thread that they are to wake waits again.
+TEST(PosixConsoleTest, LetsTheCallsBesideItGoOn) {
     TerminalSession session("tell-key-and-call");
     for (int round = 0; round < 20; ++round) {
         session.awaitRaw(true);
@@ -266,5 +300,14 @@ TEST(PosixConsoleThreadsTest, RestoresTheTerminalWhenAnotherThreadEndsTheProcess
     const int status = session.await();
     EXPECT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleTest, LeavesTheTerminalRawWhereAForkedChildEnds) {
+    TerminalSession session("fork-beside-key-reader");
+    EXPECT_EQ(session.readLine(), "still raw");
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.await(), 0);
     EXPECT_TRUE(session.isRestored());
 }
