@@ -29,7 +29,7 @@ TEST(WindowsPathTest, BlanksAreNoName) {
     for (const char16_t* text : {u" ", u"   "}) {
         for (const unsigned long error : {NO_ERROR, ERROR_ACCESS_DENIED}) {
             SetLastError(error);
-            EXPECT_EQ(QVPathExpand(text, area.data(), 300), invalidName);
+            EXPECT_EQ(QVPathExpand(text, area.data(), 300), support::invalidName);
         }
     }
 }
