@@ -3,161 +3,21 @@
 #include "qv/Results.h"
 #include "qvcore/common/NativeError.h"
 #include "qvcore/posix/Descriptor.h"
+#include "qvcore/posix/RawTerminal.h"
+#include "qvcore/posix/SignalPause.h"
+#include "qvcore/posix/TerminalChange.h"
 
-#include <algorithm>
-#include <array>
 #include <atomic>
-#include <csignal>
 #include <cstdlib>
-#include <mutex>
 #include <optional>
 #include <pthread.h>
-#include <termios.h>
+#include <unistd.h>
 
 namespace qv::core {
 
 namespace {
 
 constexpr std::int32_t endOfInputKey = 26;
-constexpr std::int32_t backspaceKey = 8;
-
-/// The signals that end, stop or continue a process and can be caught.
-constexpr std::array signals = {SIGHUP,  SIGINT,  SIGQUIT, SIGTERM, SIGALRM,
-                                SIGUSR1, SIGUSR2, SIGTSTP, SIGCONT};
-
-/// Catches those signals for as long as the object lives, so that they do not end or stop the
-/// process before the terminal is restored. They are blocked outside of `wait`; what came is raised
-/// again at the end, when their own handling is back, and does what it would have done. Left alone
-/// is what is ignored, or blocked by the thread itself. One object at a time.
-class SignalPause {
-public:
-    SignalPause() noexcept {
-        reader_ = pthread_self();
-        sigset_t blocked;
-        sigemptyset(&blocked);
-        for (const int signal : signals) {
-            sigaddset(&blocked, signal);
-        }
-        pthread_sigmask(SIG_BLOCK, &blocked, &mask_);
-        for (std::size_t index = 0; index < signals.size(); ++index) {
-            catchSignal(index);
-        }
-    }
-
-    ~SignalPause() {
-        for (std::size_t index = 0; index < signals.size(); ++index) {
-            if (isCaught_[index]) {
-                sigaction(signals[index], &previous_[index], nullptr);
-            }
-        }
-        pthread_sigmask(SIG_SETMASK, &mask_, nullptr);
-        for (std::size_t index = 0; index < signals.size(); ++index) {
-            if (arrived_[index] != 0) {
-                raise(signals[index]);
-            }
-        }
-    }
-
-    SignalPause(const SignalPause&) = delete;
-    SignalPause& operator=(const SignalPause&) = delete;
-
-    /// Waits for input or one of those signals. Others are the program's own and leave the terminal
-    /// as it is.
-    /// @return false for a signal.
-    bool wait(int descriptor) noexcept {
-        pollfd ready = {descriptor, POLLIN, 0};
-        while (!hasArrived()) { // another thread may have handed one on already
-            if (ppoll(&ready, 1, nullptr, &mask_) != -1 || errno != EINTR) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-private:
-    static bool hasArrived() noexcept {
-        return std::any_of(arrived_.begin(), arrived_.end(),
-                           [](std::sig_atomic_t arrived) { return arrived != 0; });
-    }
-
-    void catchSignal(std::size_t index) noexcept {
-        const int signal = signals[index];
-        arrived_[index] = 0;
-        sigaction(signal, nullptr, &previous_[index]);
-        isCaught_[index] =
-            previous_[index].sa_handler != SIG_IGN && sigismember(&mask_, signal) == 0;
-        if (isCaught_[index]) {
-            struct sigaction action = {};
-            action.sa_handler = note;
-            action.sa_flags = SA_RESTART; // other threads' calls go on; `wait` ends all the same
-            sigaction(signal, &action, nullptr);
-        }
-    }
-
-    /// The handler. A thread other than the reader hands the signal on.
-    static void note(int signal) noexcept {
-        if (!pthread_equal(pthread_self(), reader_)) {
-            pthread_kill(reader_, signal);
-            return;
-        }
-        for (std::size_t index = 0; index < signals.size(); ++index) {
-            if (signals[index] == signal) {
-                arrived_[index] = 1;
-            }
-        }
-    }
-
-    static inline pthread_t reader_;
-    static inline std::array<volatile std::sig_atomic_t, signals.size()> arrived_;
-
-    sigset_t mask_;
-    std::array<struct sigaction, signals.size()> previous_;
-    std::array<bool, signals.size()> isCaught_;
-};
-
-/// The terminal of standard input without echo, lines and keys that mean signals, for as long as
-/// the object lives. Requires: standard input is a terminal. One object at a time.
-class RawTerminal {
-public:
-    RawTerminal() noexcept {
-        tcgetattr(STDIN_FILENO, &previous_);
-        termios raw = previous_;
-        raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ECHONL | ISIG | IEXTEN);
-        raw.c_iflag &= ~static_cast<tcflag_t>(ICRNL | INLCR | IGNCR | IXON);
-        raw.c_cc[VMIN] = 1;
-        raw.c_cc[VTIME] = 0;
-        madeRawBy_ = getpid();
-        restarted([&raw] { return tcsetattr(STDIN_FILENO, TCSANOW, &raw); });
-    }
-    ~RawTerminal() { restore(); }
-    RawTerminal(const RawTerminal&) = delete;
-    RawTerminal& operator=(const RawTerminal&) = delete;
-
-    /// Also called at the process's end, when another thread ends it while a key is awaited. A
-    /// child that was forked meanwhile leaves the terminal alone.
-    static void restore() noexcept {
-        pid_t self = getpid();
-        if (madeRawBy_.compare_exchange_strong(self, 0)) {
-            restarted([] { return tcsetattr(STDIN_FILENO, TCSANOW, &previous_); });
-        }
-    }
-
-    /// The key that a byte stands for: what the terminal's user chose for erasing and for the end
-    /// of input means just that.
-    std::int32_t toKey(unsigned char byte) const noexcept {
-        if (byte != _POSIX_VDISABLE && byte == previous_.c_cc[VERASE]) {
-            return backspaceKey;
-        }
-        if (byte != _POSIX_VDISABLE && byte == previous_.c_cc[VEOF]) {
-            return endOfInputKey;
-        }
-        return byte;
-    }
-
-private:
-    static inline termios previous_;
-    static inline std::atomic<pid_t> madeRawBy_ = 0;
-};
 
 /// Reads one byte of standard input, which is the end of input where there is none.
 std::int32_t readByte(std::optional<unsigned char>& byte) noexcept {
@@ -171,9 +31,23 @@ std::int32_t readByte(std::optional<unsigned char>& byte) noexcept {
     return QV_S_OK;
 }
 
+/// Stops a process in the background until it comes to the foreground, as every read of its
+/// terminal does: this one reads nothing. What the terminal is found to be afterwards is what it
+/// was made for this process.
+/// @return the failure where the process is not to be stopped so.
+std::int32_t awaitForeground() noexcept {
+    unsigned char none = 0;
+    return restarted([&none] { return ::read(STDIN_FILENO, &none, 0); }) == -1 ? lastNativeResult()
+                                                                               : QV_S_OK;
+}
+
 /// Reads keys until a signal comes.
 /// @return false if one came.
 bool tryReadTerminalKeys(QVKeyTaker take, void* context, std::int32_t& result) noexcept {
+    result = awaitForeground();
+    if (result != QV_S_OK) {
+        return true;
+    }
     SignalPause signalPause;
     const RawTerminal terminal;
     std::int32_t key = 0;
@@ -191,11 +65,58 @@ bool tryReadTerminalKeys(QVKeyTaker take, void* context, std::int32_t& result) n
     return true;
 }
 
+/// The terminal's one reader. The others wait, but for a forked child, whose parent goes on to
+/// read.
+class OneReader {
+public:
+    OneReader() noexcept {
+        while (isReading_.exchange(true)) {
+            isReading_.wait(true);
+        }
+    }
+    ~OneReader() {
+        isReading_ = false;
+        isReading_.notify_one();
+    }
+    OneReader(const OneReader&) = delete;
+    OneReader& operator=(const OneReader&) = delete;
+
+    static void forget() noexcept { isReading_ = false; }
+
+private:
+    static inline std::atomic<bool> isReading_ = false;
+};
+
+void beginFork() noexcept {
+    terminalChange.lock();
+    SignalPause::beginFork();
+}
+
+void endFork() noexcept {
+    SignalPause::endFork();
+    terminalChange.unlock();
+}
+
+/// The parent goes on to read: its child knows nothing of it.
+void endForkInChild() noexcept {
+    SignalPause::forget();
+    RawTerminal::forget();
+    OneReader::forget();
+    endFork();
+}
+
+/// Makes forks and the end of the process leave the terminal and the signals as they should be.
+bool registerReader() noexcept {
+    return std::atexit(RawTerminal::end) == 0 &&
+           pthread_atfork(beginFork, endFork, endForkInChild) == 0;
+}
+
 std::int32_t readTerminalKeys(QVKeyTaker take, void* context) noexcept {
-    static constinit std::mutex oneReader;
-    static const int isRegistered = std::atexit(RawTerminal::restore);
-    static_cast<void>(isRegistered);
-    const std::lock_guard lock(oneReader);
+    static const bool isRegistered = registerReader();
+    if (!isRegistered) {
+        return QV_E_OUTOFMEMORY;
+    }
+    const OneReader reader;
     std::int32_t result = QV_S_OK;
     while (!tryReadTerminalKeys(take, context, result)) {
     }

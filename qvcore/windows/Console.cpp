@@ -33,10 +33,12 @@ public:
     RawConsole(const RawConsole&) = delete;
     RawConsole& operator=(const RawConsole&) = delete;
 
-    /// Also called at the process's end, when a key is still awaited.
+    /// Also called at the process's end, when a key was still awaited: the system has ended all
+    /// other threads by then, at any point.
     static void restore() noexcept {
-        if (isRaw_.exchange(false)) {
+        if (isRaw_) {
             SetConsoleMode(console_, previous_);
+            isRaw_ = false;
         }
     }
 

@@ -4,6 +4,7 @@
 #include "tests/support/TestProcess.h"
 #include "tests/support/posix/TerminalSession.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -54,17 +55,22 @@ int tellKeyAndSignal(const std::vector<std::string>&) {
     return 0;
 }
 
+/// The signals that are a program's own business once it handles them.
+const int ownSignals[] = {SIGWINCH, SIGCHLD, SIGURG, SIGPIPE, SIGIO, SIGPROF, SIGXCPU, SIGRTMIN};
+
 /// Tells every key up to Ctrl-Z, and whether the terminal still has the stop key that the program's
-/// handler for a resized terminal gave it meanwhile.
+/// handler for its own signals gave it meanwhile. The handler tells how it found the terminal.
 int tellKeysAndMark(const std::vector<std::string>&) {
     static constexpr cc_t mark = 1;
-    std::signal(SIGWINCH, [](int) {
-        termios marked = {};
-        tcgetattr(STDIN_FILENO, &marked);
-        marked.c_cc[VSTOP] = mark;
-        tcsetattr(STDIN_FILENO, TCSANOW, &marked);
-        tellInHandler("resized\n");
-    });
+    for (const int number : ownSignals) {
+        std::signal(number, [](int) {
+            termios marked = {};
+            tcgetattr(STDIN_FILENO, &marked);
+            marked.c_cc[VSTOP] = mark;
+            tcsetattr(STDIN_FILENO, TCSANOW, &marked);
+            tellInHandler((marked.c_lflag & ICANON) == 0 ? "raw\n" : "not raw\n");
+        });
+    }
     support::tell("ready");
     return QVConsoleReadKeys(
         [](void*, std::int32_t key) {
@@ -113,7 +119,8 @@ int endBesideKeyReader(const std::vector<std::string>&) {
     std::exit(7);
 }
 
-/// Tells a key, and forks a child that exits while it is awaited.
+/// Tells a key. While it is awaited, forks a child that exits and one that a signal ends, and tells
+/// how they have left the terminal.
 int forkBesideKeyReader(const std::vector<std::string>&) {
     support::tell("ready");
     std::thread reader([] {
@@ -124,55 +131,69 @@ int forkBesideKeyReader(const std::vector<std::string>&) {
     for (termios now = {}; tcgetattr(STDIN_FILENO, &now) == 0 && (now.c_lflag & ICANON) != 0;) {
         std::this_thread::yield();
     }
-    const pid_t child = fork();
-    if (child == 0) {
-        std::exit(0);
+    const pid_t leaver = fork();
+    if (leaver == 0) {
+        std::exit(7);
     }
-    int status = 0;
-    waitpid(child, &status, 0);
+    const pid_t victim = fork();
+    if (victim == 0) {
+        pause();
+        _exit(8);
+    }
+    kill(victim, SIGTERM);
+    int statuses[2] = {};
+    waitpid(leaver, &statuses[0], 0);
+    waitpid(victim, &statuses[1], 0);
     termios now = {};
     tcgetattr(STDIN_FILENO, &now);
-    support::tell((now.c_lflag & (ICANON | ECHO)) == 0 ? "still raw" : "not raw");
+    support::tell(std::to_string(WEXITSTATUS(statuses[0])) + " " +
+                  std::to_string(WTERMSIG(statuses[1])) +
+                  ((now.c_lflag & (ICANON | ECHO)) == 0 ? " still raw" : " not raw"));
     reader.join();
     return 0;
 }
 
-/// Leads a session whose foreground process tells a key: stops it, tells how it finds the terminal,
-/// and lets it go on.
-int stopKeyReader(const std::vector<std::string>&) {
-    const pid_t reader = fork();
-    if (reader == 0) {
-        setpgid(0, 0);
-        std::signal(SIGTTOU, SIG_IGN);
-        tcsetpgrp(STDIN_FILENO, getpid());
-        support::tell("ready");
-        std::int32_t key = 0;
-        QVConsoleReadKey(&key);
-        support::tell(std::to_string(key));
-        return 0;
-    }
-    std::signal(SIGTTOU, SIG_IGN);
-    termios now = {};
-    do {
-        tcgetattr(STDIN_FILENO, &now);
-    } while ((now.c_lflag & ICANON) != 0);
-    kill(reader, SIGTSTP);
-    int status = 0;
-    waitpid(reader, &status, WUNTRACED);
-    tcgetattr(STDIN_FILENO, &now);
-    support::tell(WIFSTOPPED(status) && (now.c_lflag & ICANON) != 0 ? "restored" : "not restored");
-    kill(reader, SIGCONT);
-    waitpid(reader, &status, 0);
+/// Reads keys up to a full stop in each of two threads, and tells what each has got.
+int tellKeysOfTwoThreads(const std::vector<std::string>&) {
+    support::tell("ready");
+    const auto tellLine = [] {
+        std::string line;
+        QVConsoleReadKeys(
+            [](void* context, std::int32_t key) {
+                static_cast<std::string*>(context)->push_back(static_cast<char>(key));
+                return key == '.' ? 0 : 1;
+            },
+            &line);
+        support::tell(line);
+    };
+    std::thread other(tellLine);
+    tellLine();
+    other.join();
     return 0;
 }
 
+/// Ends the process at once when another thread begins to wait for a key.
+int endWhenAKeyIsAwaited(const std::vector<std::string>&) {
+    support::tell("ready");
+    static std::atomic<bool> isNear = false;
+    std::thread([] {
+        isNear = true;
+        std::int32_t key = 0;
+        QVConsoleReadKey(&key);
+    }).detach();
+    while (!isNear) {
+    }
+    std::exit(7);
+}
+
+const support::ChildRole threadsRole("tell-keys-of-two-threads", tellKeysOfTwoThreads);
+const support::ChildRole nearEndRole("end-when-a-key-is-awaited", endWhenAKeyIsAwaited);
 const support::ChildRole oneGoRole("tell-keys-in-one-go", tellKeysInOneGo);
 const support::ChildRole forkRole("fork-beside-key-reader", forkBesideKeyReader);
 const support::ChildRole signalRole("tell-key-and-signal", tellKeyAndSignal);
 const support::ChildRole markRole("tell-keys-and-mark", tellKeysAndMark);
 const support::ChildRole callRole("tell-key-and-call", tellKeyAndCall);
 const support::ChildRole endRole("end-beside-key-reader", endBesideKeyReader);
-const support::ChildRole stopRole("stop-key-reader", stopKeyReader);
 
 } // namespace
 
@@ -235,7 +256,9 @@ TEST(PosixConsoleTest, KnowsTheTerminalsKeysForErasingAndForTheEnd) {
 }
 
 TEST(PosixConsoleTest, RestoresTheTerminalWhenASignalEndsTheProcess) {
-    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGUSR2, SIGQUIT, SIGALRM}) {
+    for (const int number :
+         {SIGTERM, SIGINT, SIGHUP, SIGUSR2, SIGQUIT, SIGALRM, SIGPIPE, SIGXCPU, SIGXFSZ, SIGPROF,
+          SIGVTALRM, SIGIO, SIGPWR, SIGSTKFLT, SIGRTMIN, SIGRTMAX}) {
         TerminalSession session("tell-keys");
         session.awaitRaw(true);
         session.signal(number);
@@ -244,16 +267,6 @@ TEST(PosixConsoleTest, RestoresTheTerminalWhenASignalEndsTheProcess) {
         EXPECT_EQ(WTERMSIG(status), number);
         EXPECT_TRUE(session.isRestored());
     }
-}
-
-TEST(PosixConsoleTest, RestoresTheTerminalWhileTheProcessIsStopped) {
-    TerminalSession session("stop-key-reader");
-    EXPECT_EQ(session.readLine(), "restored");
-    session.awaitRaw(true);
-    session.type("a");
-    EXPECT_EQ(session.readLine(), "97");
-    EXPECT_EQ(session.await(), 0);
-    EXPECT_TRUE(session.isRestored());
 }
 
 TEST(PosixConsoleTest, LetsTheProgramsOwnHandlerRunAndReadsOn) {
@@ -267,12 +280,12 @@ TEST(PosixConsoleTest, LetsTheProgramsOwnHandlerRunAndReadsOn) {
     EXPECT_EQ(session.await(), 0);
 }
 
-TEST(PosixConsoleTest, LeavesTheTerminalAsItIsForOtherSignals) {
+TEST(PosixConsoleTest, LeavesTheTerminalAsItIsForSignalsOfTheProgram) {
     TerminalSession session("tell-keys-and-mark");
     session.awaitRaw(true);
-    for (int round = 0; round < 20; ++round) {
-        session.signal(SIGWINCH);
-        EXPECT_EQ(session.readLine(), "resized");
+    for (const int number : ownSignals) {
+        session.signal(number);
+        EXPECT_EQ(session.readLine(), "raw");
         session.type("a");
         EXPECT_EQ(session.readLine(), "97 marked");
     }
@@ -303,9 +316,30 @@ TEST(PosixConsoleThreadsTest, RestoresTheTerminalWhenAnotherThreadEndsTheProcess
     EXPECT_TRUE(session.isRestored());
 }
 
-TEST(PosixConsoleTest, LeavesTheTerminalRawWhereAForkedChildEnds) {
+TEST(PosixConsoleTest, RestoresTheTerminalWhenTheProcessEndsAsTheReadingBegins) {
+    for (int round = 0; round < 50; ++round) {
+        TerminalSession session("end-when-a-key-is-awaited");
+        EXPECT_EQ(WEXITSTATUS(session.await()), 7);
+        EXPECT_TRUE(session.isRestored());
+    }
+}
+
+TEST(PosixConsoleThreadsTest, OneThreadReadsAndTheOtherWaits) {
+    TerminalSession session("tell-keys-of-two-threads");
+    session.awaitRaw(true);
+    session.type("ab");
+    session.type("cd.");
+    EXPECT_EQ(session.readLine(), "abcd.");
+    session.awaitRaw(true);
+    session.type("ef.");
+    EXPECT_EQ(session.readLine(), "ef.");
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleTest, LeavesTheTerminalRawWhereForkedChildrenEnd) {
     TerminalSession session("fork-beside-key-reader");
-    EXPECT_EQ(session.readLine(), "still raw");
+    EXPECT_EQ(session.readLine(), "7 15 still raw") << "a signal ends a child as ever";
     session.type("a");
     EXPECT_EQ(session.readLine(), "97");
     EXPECT_EQ(session.await(), 0);

@@ -26,7 +26,13 @@ TerminalSession::TerminalSession(const std::string& role) {
     posix_spawn_file_actions_adddup2(&actions, STDIN_FILENO, STDOUT_FILENO);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    posix_spawnattr_setflags(&attributes,
+                             POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    sigset_t signals; // whatever the tests themselves were started with
+    sigemptyset(&signals);
+    posix_spawnattr_setsigmask(&attributes, &signals);
+    sigfillset(&signals);
+    posix_spawnattr_setsigdefault(&attributes, &signals);
     std::string arguments[] = {programPath(), "--child", role};
     char* pointers[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
     EXPECT_EQ(posix_spawn(&child_, "/proc/self/exe", &actions, &attributes, pointers, environ), 0);
