@@ -50,8 +50,11 @@ void ClassManagerBase::registerClass(const char16_t* name, const std::type_info*
         return;
     }
     const Reference<Class> record(new Class(name, type, factory));
+    decltype(maps_->byType)
+        typed; // made in front, so that both maps take the record or neither does
+    typed.emplace(type, record);
     maps_->byName.emplace(name, record);
-    maps_->byType.emplace(type, record);
+    maps_->byType.merge(typed);
 }
 
 const Class* ClassManagerBase::lookupName(const char16_t* name) const {

@@ -78,6 +78,29 @@ String& String::setTo(const char* bytes, int length, const char16_t* encoding) {
     return internalSetTo(bytes, length, encoding, 0);
 }
 
+namespace {
+
+/// Decodes all bytes into the lock's buffer of `capacity` units, of which one is for the
+/// terminator.
+/// @return the units written.
+std::int32_t decode(ByteToCharConverter& decoder, const signed char* bytes, int length,
+                    util::BufferWriteLock<char16_t>& lock, int capacity) {
+    constexpr int unitsOfRefused = 2; // what AMP-7 gives for a byte that it refuses, and says 1
+    std::int32_t consumed = 0;
+    std::int32_t written = 0;
+    decoder.convert(bytes, &consumed, length, lock.getData(), &written, capacity - 1);
+    for (std::int32_t before = -1; consumed < length && consumed > before;) {
+        before = consumed;
+        capacity = detail::checkedSize(unitsOfRefused, length - consumed + 1, capacity);
+        lock.ensureCapacity(capacity);
+        decoder.convert(bytes, &consumed, length, lock.getData(), &written, capacity - 1);
+    }
+    decoder.flush(lock.getData(), &written, capacity - 1);
+    return written;
+}
+
+} // namespace
+
 String& String::internalSetTo(const char* bytes, int length, const char16_t* encoding,
                               int capacity) {
     length = detail::measured(bytes, length);
@@ -91,13 +114,10 @@ String& String::internalSetTo(const char* bytes, int length, const char16_t* enc
         std::max(capacity, detail::checkedSize(decoder->getMaxCharsPerByte(), length, 1));
     const Reference<util::RWCharBuffer> decoded(new util::RWCharBuffer(needed));
     util::BufferWriteLock<char16_t> lock(*decoded, needed);
-    std::int32_t consumed = 0;
-    std::int32_t written = 0;
-    if (bytes != nullptr) {
-        const auto* const source = reinterpret_cast<const signed char*>(bytes);
-        decoder->convert(source, &consumed, length, lock.getData(), &written, needed - 1);
-        decoder->flush(lock.getData(), &written, needed - 1);
-    }
+    const std::int32_t written =
+        bytes == nullptr
+            ? 0
+            : decode(*decoder, reinterpret_cast<const signed char*>(bytes), length, lock, needed);
     lock.getData()[written] = 0;
     lock.setLength(written + 1);
     lock.release();

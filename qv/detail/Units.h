@@ -20,7 +20,8 @@ inline unsigned equalMask(__m128i left, __m128i right) noexcept {
 inline int maskIndex(unsigned mask) noexcept { return std::countr_zero(mask) / 2; }
 
 inline bool equalUnits(const char16_t* left, const char16_t* right, int count) noexcept {
-    return std::memcmp(left, right, static_cast<std::size_t>(count) * sizeof(char16_t)) == 0;
+    return count == 0 ||
+           std::memcmp(left, right, static_cast<std::size_t>(count) * sizeof(char16_t)) == 0;
 }
 
 /// -1, 0 or 1 at the first unit that differs.

@@ -78,7 +78,7 @@ public:
     NamedSemaphore() : SemaphoreObject(nullptr) {}
 
     ~NamedSemaphore() override {
-        if (process_ == currentProcessId()) {
+        if (owner_ == currentProcess()) {
             leave();
         }
     }
@@ -185,10 +185,10 @@ private:
     /// A process gets its entry when the handle is opened, or after a fork when the child first
     /// uses the handle that it inherited. Null if there is no room for another process.
     ProcessEntry* ownEntry() noexcept {
-        if (process_ == currentProcessId()) {
+        const ProcessIdentity self = currentProcess();
+        if (owner_ == self) {
             return entry_;
         }
-        const ProcessIdentity self = currentProcess();
         ProcessEntry* entry = block_->head.processes.findOrTake(self);
         if (entry == nullptr) {
             block_->reclaim();
@@ -197,7 +197,7 @@ private:
         if (entry != nullptr) {
             ++entry->handles;
             entry_ = entry;
-            process_ = self.id;
+            owner_ = self;
         }
         return entry;
     }
@@ -240,9 +240,9 @@ private:
     NamedBlock memory_;
     SharedGuard guard_;
     SemaphoreBlock* block_ = nullptr;
-    /// The entry of this process, valid in the process of that number only.
+    /// The entry of a process, valid in that process only.
     ProcessEntry* entry_ = nullptr;
-    std::uint32_t process_ = 0;
+    ProcessIdentity owner_ = {};
 };
 
 } // namespace

@@ -65,7 +65,7 @@ public:
     /// Ends the process's part with its last handle, and the block with the last process. A forked
     /// child has no part in its parent's handles.
     ~SharedMemoryObject() {
-        if (process_ != currentProcessId() || memory_.lock() < 0) {
+        if (owner_ != currentProcess() || memory_.lock() < 0) {
             return;
         }
         if (--entry_->handles == 0) {
@@ -125,14 +125,14 @@ private:
             return QV_E_TOOMANYFILES;
         }
         ++entry_->handles;
-        process_ = self.id;
+        owner_ = self;
         return QV_S_OK;
     }
 
     NamedBlock memory_;
-    /// The entry of this process, valid in the process of that number only.
+    /// The entry of a process, valid in that process only.
     ProcessEntry* entry_ = nullptr;
-    std::uint32_t process_ = 0;
+    ProcessIdentity owner_ = {};
 };
 
 } // namespace

@@ -20,10 +20,9 @@ struct ProcessIdentity {
     }
 };
 
-/// The calling process. The answer is the same from the process's beginning to its end.
+/// The calling process. The answer is the same from the process's beginning to its end; a forked
+/// child is another process.
 ProcessIdentity currentProcess() noexcept;
-/// The number of the calling process, which a fork changes.
-std::uint32_t currentProcessId() noexcept;
 /// False once the process has ended, however it ended.
 bool isRunning(const ProcessIdentity& process) noexcept;
 

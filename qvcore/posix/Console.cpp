@@ -4,8 +4,8 @@
 #include "qvcore/common/NativeError.h"
 #include "qvcore/posix/Descriptor.h"
 #include "qvcore/posix/RawTerminal.h"
-#include "qvcore/posix/SignalPause.h"
-#include "qvcore/posix/TerminalChange.h"
+#include "qvcore/posix/TerminalLock.h"
+#include "qvcore/posix/TerminalSignals.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -31,40 +31,6 @@ std::int32_t readByte(std::optional<unsigned char>& byte) noexcept {
     return QV_S_OK;
 }
 
-/// Stops a process in the background until it comes to the foreground, as every read of its
-/// terminal does: this one reads nothing. What the terminal is found to be afterwards is what it
-/// was made for this process.
-/// @return the failure where the process is not to be stopped so.
-std::int32_t awaitForeground() noexcept {
-    unsigned char none = 0;
-    return restarted([&none] { return ::read(STDIN_FILENO, &none, 0); }) == -1 ? lastNativeResult()
-                                                                               : QV_S_OK;
-}
-
-/// Reads keys until a signal comes.
-/// @return false if one came.
-bool tryReadTerminalKeys(QVKeyTaker take, void* context, std::int32_t& result) noexcept {
-    result = awaitForeground();
-    if (result != QV_S_OK) {
-        return true;
-    }
-    SignalPause signalPause;
-    const RawTerminal terminal;
-    std::int32_t key = 0;
-    do {
-        if (!signalPause.wait(STDIN_FILENO)) {
-            return false;
-        }
-        std::optional<unsigned char> byte;
-        result = readByte(byte);
-        if (result != QV_S_OK) {
-            return true;
-        }
-        key = byte ? terminal.toKey(*byte) : endOfInputKey;
-    } while (take(context, key) != 0);
-    return true;
-}
-
 /// The terminal's one reader. The others wait, but for a forked child, whose parent goes on to
 /// read.
 class OneReader {
@@ -87,28 +53,18 @@ private:
     static inline std::atomic<bool> isReading_ = false;
 };
 
-void beginFork() noexcept {
-    terminalChange.lock();
-    SignalPause::beginFork();
-}
-
-void endFork() noexcept {
-    SignalPause::endFork();
-    terminalChange.unlock();
-}
-
 /// The parent goes on to read: its child knows nothing of it.
-void endForkInChild() noexcept {
-    SignalPause::forget();
+void forgetInChild() noexcept {
+    TerminalSignals::forget();
     RawTerminal::forget();
     OneReader::forget();
-    endFork();
+    TerminalLock::release();
 }
 
-/// Makes forks and the end of the process leave the terminal and the signals as they should be.
+/// Has a fork and the end of the process leave the terminal and the signals as they should be.
 bool registerReader() noexcept {
-    return std::atexit(RawTerminal::end) == 0 &&
-           pthread_atfork(beginFork, endFork, endForkInChild) == 0;
+    return std::atexit(RawTerminal::end) == 0 && std::at_quick_exit(RawTerminal::end) == 0 &&
+           pthread_atfork(TerminalLock::acquire, TerminalLock::release, forgetInChild) == 0;
 }
 
 std::int32_t readTerminalKeys(QVKeyTaker take, void* context) noexcept {
@@ -117,8 +73,15 @@ std::int32_t readTerminalKeys(QVKeyTaker take, void* context) noexcept {
         return QV_E_OUTOFMEMORY;
     }
     const OneReader reader;
-    std::int32_t result = QV_S_OK;
-    while (!tryReadTerminalKeys(take, context, result)) {
+    const TerminalSignals signals;
+    RawTerminal terminal;
+    std::int32_t key = 0;
+    std::int32_t result = terminal.open();
+    while (result >= 0) {
+        result = terminal.readKey(key);
+        if (result >= 0 && take(context, key) == 0) {
+            break;
+        }
     }
     return result;
 }

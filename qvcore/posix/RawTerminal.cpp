@@ -1,11 +1,17 @@
 #include "qvcore/posix/RawTerminal.h"
 
+#include "qv/Results.h"
+#include "qvcore/common/NativeError.h"
 #include "qvcore/posix/Descriptor.h"
-#include "qvcore/posix/TerminalChange.h"
+#include "qvcore/posix/TerminalLock.h"
 
-#include <optional>
+#include <algorithm>
+#include <atomic>
+#include <iterator>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
 #include <termios.h>
-#include <thread>
 #include <unistd.h>
 
 namespace qv::core {
@@ -15,46 +21,106 @@ namespace {
 constexpr std::int32_t endOfInputKey = 26;
 constexpr std::int32_t backspaceKey = 8;
 
-termios previous;
-
-// Change under terminalChange.
+// Change under the TerminalLock.
+termios previous; ///< the mode to be restored
+termios raw;      ///< the mode made of it
 bool isRaw = false;
-std::optional<std::thread::id> endingThread;
+int pauses = 0;        ///< handlers that run
+bool isEnding = false; ///< the process, by `endingThread`
+pthread_t endingThread;
 
-void set(const termios& mode) noexcept {
-    restarted([&mode] { return tcsetattr(STDIN_FILENO, TCSANOW, &mode); });
+/// An event at which the reader looks anew at what it may do. Made by the first reader, for good.
+std::atomic<int> wakeEvent = -1;
+
+void wakeReader() noexcept {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(wakeEvent, &one, sizeof one);
 }
 
-void restore() noexcept {
-    if (isRaw) {
-        set(previous);
-        isRaw = false;
+/// Waits until the reader is to look anew, or for input where that is asked for.
+/// @return what there is of the terminal, as poll tells it.
+short await(bool isForInput) noexcept {
+    pollfd ready[] = {{wakeEvent, POLLIN, 0}, {isForInput ? STDIN_FILENO : -1, POLLIN, 0}};
+    restarted([&ready] { return poll(ready, std::size(ready), -1); });
+    if (ready[0].revents != 0) {
+        std::uint64_t count = 0;
+        [[maybe_unused]] const ssize_t taken = read(wakeEvent, &count, sizeof count);
     }
+    return ready[1].revents;
 }
 
-} // namespace
+/// True also where nobody can tell: the terminal may be that of another session.
+bool isInForeground() noexcept {
+    const pid_t group = tcgetpgrp(STDIN_FILENO);
+    return group <= 0 || group == getpgrp();
+}
 
-RawTerminal::RawTerminal() noexcept {
-    const std::lock_guard lock(terminalChange);
-    tcgetattr(STDIN_FILENO, &previous);
-    if (endingThread && *endingThread != std::this_thread::get_id()) {
-        return;
+/// Stops a process in the background until it comes to the foreground, as every read of its
+/// terminal does: this one reads nothing.
+/// @return the failure where the process is not to be stopped so.
+std::int32_t awaitForeground() noexcept {
+    unsigned char none = 0;
+    return restarted([&none] { return read(STDIN_FILENO, &none, 0); }) == -1 ? lastNativeResult()
+                                                                             : QV_S_OK;
+}
+
+bool isSame(const termios& left, const termios& right) noexcept {
+    return left.c_iflag == right.c_iflag && left.c_oflag == right.c_oflag &&
+           left.c_cflag == right.c_cflag && left.c_lflag == right.c_lflag &&
+           std::equal(std::begin(left.c_cc), std::end(left.c_cc), std::begin(right.c_cc));
+}
+
+termios rawMode(termios mode) noexcept {
+    mode.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ECHONL | ISIG | IEXTEN);
+    mode.c_iflag &= ~static_cast<tcflag_t>(ICRNL | INLCR | IGNCR | IXON);
+    mode.c_cc[VMIN] = 0; // another process may take the byte that was awaited
+    mode.c_cc[VTIME] = 0;
+    return mode;
+}
+
+/// A terminal that is found raw already was left so by this process, or by the one that it was
+/// forked from: what there is to restore is known.
+void makeRaw() noexcept {
+    termios found = {};
+    tcgetattr(STDIN_FILENO, &found);
+    if (!isSame(found, raw)) {
+        previous = found;
+        raw = rawMode(found);
+        tcsetattr(STDIN_FILENO, TCSANOW, &raw);
     }
-    termios raw = previous;
-    raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ECHONL | ISIG | IEXTEN);
-    raw.c_iflag &= ~static_cast<tcflag_t>(ICRNL | INLCR | IGNCR | IXON);
-    raw.c_cc[VMIN] = 1;
-    raw.c_cc[VTIME] = 0;
     isRaw = true;
-    set(raw);
 }
 
-RawTerminal::~RawTerminal() {
-    const std::lock_guard lock(terminalChange);
-    restore();
+/// In the background the terminal belongs to others, and is as they want it.
+void restore() noexcept {
+    if (isRaw && isInForeground()) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &previous);
+    }
+    isRaw = false;
 }
 
-std::int32_t RawTerminal::toKey(unsigned char byte) const noexcept {
+enum class Access { Raw, Paused, Background, Ending };
+
+/// Makes the terminal raw, if the reader may.
+Access demandRaw() noexcept {
+    const TerminalLock lock;
+    if (isEnding && !pthread_equal(endingThread, pthread_self())) {
+        return Access::Ending;
+    }
+    if (pauses != 0) {
+        return Access::Paused;
+    }
+    if (!isRaw) {
+        if (!isInForeground()) {
+            return Access::Background;
+        }
+        makeRaw();
+    }
+    return Access::Raw;
+}
+
+/// What the terminal's user chose for erasing and for the end of input means just that.
+std::int32_t toKey(cc_t byte) noexcept {
     if (byte != _POSIX_VDISABLE && byte == previous.c_cc[VERASE]) {
         return backspaceKey;
     }
@@ -64,12 +130,98 @@ std::int32_t RawTerminal::toKey(unsigned char byte) const noexcept {
     return byte;
 }
 
-void RawTerminal::end() noexcept {
-    const std::lock_guard lock(terminalChange);
-    endingThread = std::this_thread::get_id();
+constexpr std::int32_t noKey = -1;
+
+/// Reads the key for which the terminal is ready, or finds that somebody else has taken it.
+std::int32_t takeKey(bool isHungUp, std::int32_t& key) noexcept {
+    cc_t byte = 0;
+    const ssize_t count = restarted([&byte] { return read(STDIN_FILENO, &byte, 1); });
+    if (count == 1) {
+        key = toKey(byte);
+    } else if (isHungUp) {
+        key = endOfInputKey;
+    } else if (count == -1 && errno != EAGAIN) {
+        return lastNativeResult();
+    }
+    return QV_S_OK;
+}
+
+} // namespace
+
+RawTerminal::~RawTerminal() {
+    const TerminalLock lock;
     restore();
 }
 
-void RawTerminal::forget() noexcept { isRaw = false; }
+std::int32_t RawTerminal::open() noexcept {
+    if (wakeEvent == -1) {
+        wakeEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    }
+    return wakeEvent == -1 ? lastNativeResult() : QV_S_OK;
+}
+
+std::int32_t RawTerminal::readKey(std::int32_t& key) noexcept {
+    std::int32_t result = QV_S_OK;
+    for (key = noKey; key == noKey && result >= 0;) {
+        switch (demandRaw()) {
+        case Access::Raw:
+            if (const short ready = await(true); ready != 0) {
+                result = takeKey((ready & POLLHUP) != 0, key);
+            }
+            break;
+        case Access::Paused:
+            await(false);
+            break;
+        case Access::Background:
+            result = awaitForeground();
+            break;
+        case Access::Ending:
+            result = QV_E_UNAVAILABLE;
+            break;
+        }
+    }
+    return result;
+}
+
+void RawTerminal::pause() noexcept {
+    const TerminalLock lock;
+    ++pauses;
+    restore();
+}
+
+void RawTerminal::resume() noexcept {
+    {
+        const TerminalLock lock;
+        pauses -= pauses > 0 ? 1 : 0; // a child that the handler forked has none
+    }
+    wakeReader();
+}
+
+void RawTerminal::renew() noexcept {
+    {
+        const TerminalLock lock;
+        isRaw = false;
+    }
+    wakeReader();
+}
+
+void RawTerminal::end() noexcept {
+    {
+        const TerminalLock lock;
+        isEnding = true;
+        endingThread = pthread_self();
+        restore();
+    }
+    wakeReader();
+}
+
+void RawTerminal::forget() noexcept {
+    isRaw = false;
+    pauses = 0;
+    isEnding = isEnding && pthread_equal(endingThread, pthread_self());
+    if (const int inherited = wakeEvent.exchange(-1); inherited != -1) {
+        close(inherited); // it is the parent's
+    }
+}
 
 } // namespace qv::core

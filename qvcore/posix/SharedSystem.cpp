@@ -140,7 +140,7 @@ static_assert(decltype(ownIdentity)::is_always_lock_free);
 } // namespace
 
 ProcessIdentity currentProcess() noexcept {
-    const std::uint32_t id = currentProcessId();
+    const auto id = static_cast<std::uint32_t>(getpid());
     ProcessIdentity known = ownIdentity.load();
     if (known.id != id) {
         const ProcessIdentity learned = {id, ProcessStatus(id).start};
@@ -151,11 +151,10 @@ ProcessIdentity currentProcess() noexcept {
     return known;
 }
 
-std::uint32_t currentProcessId() noexcept { return static_cast<std::uint32_t>(getpid()); }
-
 bool isRunning(const ProcessIdentity& process) noexcept {
-    if (process.id == currentProcessId()) {
-        return process == currentProcess();
+    const ProcessIdentity self = currentProcess();
+    if (process.id == self.id) {
+        return process == self;
     }
     if (kill(static_cast<pid_t>(process.id), 0) == -1 && errno == ESRCH) {
         return false;

@@ -51,6 +51,8 @@ public:
                 return -1;
             }
             if (taken == 0) {
+                FlushConsoleInputBuffer(
+                    console_); // what was typed in front belongs to no later line
                 return count;
             }
             ++count;

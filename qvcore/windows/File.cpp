@@ -212,16 +212,23 @@ std::int32_t QVFileWrite(std::uint64_t handle, const void* bytes, std::uint32_t 
     if (length == 0 && isPipe(file)) {
         return QV_S_OK;
     }
+    // A pipe that does not block takes nothing of a piece for which it lacks the room: then smaller
+    // ones are tried, and in front of the smallest its reader has to come first.
     const auto* rest = static_cast<const char*>(bytes);
+    DWORD piece = length;
     do {
         DWORD written = 0;
-        if (!WriteFile(file, rest, length, &written, nullptr)) {
+        if (!WriteFile(file, rest, piece, &written, nullptr)) {
             return lastNativeResult();
         }
         rest += written;
         length -= written;
-        if (written == 0 && length != 0) {
-            Sleep(1); // a full pipe that does not block: its reader has to come first
+        if (written != 0) {
+            piece = length;
+        } else if (piece > 1) {
+            piece /= 2;
+        } else if (length != 0) {
+            Sleep(1);
         }
     } while (length != 0);
     return QV_S_OK;

@@ -57,10 +57,9 @@ std::size_t sizeOfView(const void* view) noexcept {
 } // namespace
 
 ProcessIdentity currentProcess() noexcept {
-    return {currentProcessId(), startOf(GetCurrentProcess())};
+    static const ProcessIdentity self = {GetCurrentProcessId(), startOf(GetCurrentProcess())};
+    return self;
 }
-
-std::uint32_t currentProcessId() noexcept { return GetCurrentProcessId(); }
 
 bool isRunning(const ProcessIdentity& process) noexcept {
     const HANDLE opened =

@@ -27,6 +27,8 @@ int main(int, char** argv) {
         EncodingInfo info{};
         CHECK(getInfo(u"latin1", &info) == 0); // the last thing that library start builds
         CHECK(info.codePage == 28591);
+        void* const* const lock = library.find<void*>("g_pGlobalLock");
+        CHECK(lock != nullptr && *lock != nullptr);
     }
     CHECK(!support::SharedModule::isLoaded(argv[1])); // nothing kept it
     std::puts("passed");

@@ -6,6 +6,7 @@
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
 #include "qv/text/charset/CodecManager.h"
+#include "qvcore/Encoding.h"
 #include "tests/support/ClosingCodec.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
@@ -462,6 +463,17 @@ TEST(Str1FormsTest, TextComesHomeWhenAnotherHoldsTheHeapStore) {
     EXPECT_EQ(sharer.getLength(), 205);
 }
 
+TEST(Str1FormsTest, TextStaysAwayWhileAnotherHoldsItsHome) {
+    Str1Fixed<128> text(u"home");
+    const Str1 view(text);
+    text.append(u'x', 200);
+    const Str1 away(text);
+    text.copy(u"other");
+    EXPECT_EQ(units(view), u"home");
+    EXPECT_EQ(units(text), u"other");
+    EXPECT_EQ(away.getLength(), 204);
+}
+
 TEST(Str1FormsTest, FixedTakesEverySource) {
     Str1Fixed<128> text(u"abc");
     EXPECT_EQ(units(text), u"abc");
@@ -755,6 +767,28 @@ TEST(Str1BytesTest, BytesAreDecoded) {
     EXPECT_EQ(text.copyA(bytesOf("new"), -1, u"UTF-8"), 0);
     EXPECT_EQ(units(text), u"new");
     EXPECT_EQ(text.appendA(bytesOf(""), 0, u"no such"), 0) << "no bytes, no decoder";
+}
+
+TEST(Str1BytesTest, NullNamesTheDefaultEncoding) {
+    char16_t name[40];
+    QVGetDefaultCharEncoding(name, 40);
+    const Str1Copy source(u"a\u00E9");
+    const std::string bytes = source.getBytesAZ(name).get();
+    const Str1 decoded(bytesOf(bytes.c_str()), -1, name);
+    EXPECT_STREQ(source.getBytesAZ(), bytes.c_str());
+    int length = -1;
+    EXPECT_EQ(source.getLengthA(&length), 0);
+    EXPECT_EQ(length, static_cast<int>(bytes.size()));
+    char out[16];
+    EXPECT_EQ(source.convertToAZ(out, 16), 0);
+    EXPECT_EQ(out, bytes);
+    Str1 text;
+    EXPECT_EQ(text.copyA(bytesOf(bytes.c_str()), -1), 0);
+    EXPECT_EQ(text, decoded);
+    text.clear();
+    EXPECT_EQ(text.appendA(bytesOf(bytes.c_str()), -1), 0);
+    EXPECT_EQ(text, decoded);
+    EXPECT_EQ(Str1(bytesOf(bytes.c_str()), -1, nullptr), decoded);
 }
 
 TEST(Str1BytesTest, LongBytesAreDecodedThroughChunks) {

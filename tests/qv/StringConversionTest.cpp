@@ -3,12 +3,13 @@
 #include "qv/String.h"
 #include "qv/util/ROBuffer.h"
 #include "qv/util/RWBuffer.h"
+#include "qvcore/Encoding.h"
 #include "tests/support/ClosingCodec.h"
+#include "tests/support/LocaleScope.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cstdarg>
 #include <gtest/gtest.h>
 #include <limits>
@@ -24,18 +25,6 @@ std::string content(const util::RWByteBuffer& buffer) {
     return {reinterpret_cast<const char*>(buffer.getData()),
             static_cast<std::size_t>(buffer.getLength())};
 }
-
-/// Sets the runtime locale for a scope.
-class LocaleScope {
-public:
-    explicit LocaleScope(const char* name) : old_(std::setlocale(LC_ALL, nullptr)) {
-        std::setlocale(LC_ALL, name);
-    }
-    ~LocaleScope() { std::setlocale(LC_ALL, old_.c_str()); }
-
-private:
-    std::string old_;
-};
 
 // --- AnsiBytes ---
 
@@ -100,6 +89,24 @@ TEST(StringBytesTest, SameEncodingGivesTheSameBytesUntilAWrite) {
     EXPECT_EQ(text.getBytes(u"utf-8"), named);
     text.append(u"!");
     EXPECT_STREQ(text.getBytes(u"UTF-8"), "text!");
+}
+
+TEST(StringBytesTest, NullNamesTheDefaultEncoding) {
+    char16_t name[40];
+    QVGetDefaultCharEncoding(name, 40);
+    const String text(u"a\u00E9");
+    const std::string bytes = text.getBytes(name);
+    const String decoded(bytesOf(bytes.c_str()), -1, name);
+    EXPECT_EQ(text.getBytes(), bytes);
+    EXPECT_EQ(text.getDataT(true), bytes);
+    char memory[16];
+    EXPECT_EQ(text.getBytes(memory, 16), text.getBytes(memory, 16, name));
+    EXPECT_EQ(memory, bytes);
+    EXPECT_EQ(String(bytesOf(bytes.c_str()), -1, nullptr), decoded);
+    String set;
+    EXPECT_EQ(set.setTo(bytes.c_str()), decoded);
+    set = u"old";
+    EXPECT_EQ(set = bytes.c_str(), decoded);
 }
 
 TEST(StringBytesTest, NarrowFormIsNotCarriedOverByACopy) {
@@ -236,6 +243,15 @@ TEST(StringBytesTest, BytesAreDecoded) {
     EXPECT_EQ(String(bytesOf("\x80"), -1, u"CP1252"), u"€");
 }
 
+TEST(StringBytesTest, BytesThatGiveMoreThanTheirEncodingSaysAreDecodedToTheEnd) {
+    EXPECT_EQ(String(bytesOf("\xFF"), -1, u"AMP-7"), u"\uFFFD\uFFFD");
+    EXPECT_EQ(String(bytesOf("a&b"), -1, u"AMP-7"), u"a\uFFFD\uFFFDb");
+    EXPECT_EQ(String(bytesOf("tail& lost"), -1, u"AMP-7", 4), u"tail\uFFFD\uFFFD lost");
+    EXPECT_EQ(String(bytesOf("&AM"), -1, u"AMP-7"), u"") << "an escape that does not end";
+    const std::string refused(10000, '\xFF');
+    EXPECT_EQ(String(bytesOf(refused.c_str()), -1, u"AMP-7"), String().append(u'\uFFFD', 20000));
+}
+
 TEST(StringBytesTest, OnlyMinusOneMeasuresBytes) {
     for (const int length : {-2, std::numeric_limits<int>::min()}) {
         EXPECT_EQ(String(bytesOf("abc"), length, u"UTF-8"), u"");
@@ -325,6 +341,8 @@ TEST(StringFormatTest, PatternWithoutPlaceholdersIsTheResult) {
 TEST(StringFormatTest, IndicesEndAtTheFirstGap) {
     EXPECT_EQ(String().format(u"{0} {2}", -1, u"a", u"b", u"c"), u"a {2}");
     EXPECT_EQ(String().format(u"{1}", -1, u"a", u"b"), u"{1}");
+    EXPECT_EQ(String().format(u"{0}{2}{3}", -1, u"a", u"b", u"c", u"d"), u"a{2}{3}");
+    EXPECT_EQ(String().format(u"{0}{0}{2}", -1, u"a", u"b", u"c"), u"aa{2}");
 }
 
 TEST(StringFormatTest, ArgumentsAreNotExpanded) {
@@ -477,6 +495,8 @@ TEST(StringFormatTest, VariableListGivesAsManyAsTheIndices) {
     EXPECT_EQ(throughList(text, u"{0}", -2), u"");
     const String pattern(u"[{0}]");
     EXPECT_EQ(throughStringList(text, &pattern, u"x"), u"[x]");
+    EXPECT_EQ(throughList(text, u"{0}{2}{3}", -1, u"a", u"b", u"c", u"d"), u"a{2}{3}");
+    EXPECT_EQ(throughList(text, u"{0}{0}{2}", -1, u"a", u"b", u"c"), u"aa{2}");
 }
 
 // --- Values ---
@@ -492,7 +512,7 @@ TEST(StringValueTest, IntegersAreWrittenInDecimal) {
 }
 
 TEST(StringValueTest, FloatingNumbersHaveSixDigits) {
-    const LocaleScope locale("C");
+    const support::LocaleScope locale(LC_NUMERIC, "C");
     EXPECT_EQ(String::valueOf(0.5), u"0.5");
     EXPECT_EQ(String::valueOf(1.0f), u"1");
     EXPECT_EQ(String::valueOf(1234567.0), u"1.23457e+06");

@@ -3,6 +3,7 @@
 #include "qv/AnsiBytes.h"
 #include "qv/Exceptions.h"
 #include "qv/qvcom/Module.h"
+#include "qv/util/MTBuffer.h"
 #include "qv/util/ROBuffer.h"
 #include "qv/util/RWBuffer.h"
 #include "tests/support/Printing.h"
@@ -264,6 +265,14 @@ TEST(StringTest, SetAddRefShares) {
     EXPECT_EQ(other, u"text");
 }
 
+TEST(StringTest, SetAddRefOfItselfKeepsABufferThatNoOtherHolds) {
+    String text(u"text");
+    const String& same = text;
+    text.setAddRef(same);
+    EXPECT_EQ(text, u"text");
+    EXPECT_EQ(text.append(u"!"), u"text!");
+}
+
 TEST(StringTest, SetAddRefLeavesAStaleNarrowForm) {
     String text(u"old");
     const char* const bytes = text.getBytes(u"UTF-8");
@@ -344,13 +353,7 @@ TEST(StringTest, LastStringOfABufferGivesTheBuffersModuleFree) {
     EXPECT_EQ(module.GetRefCount(), 0u);
 }
 
-TEST(StringTest, EmptyInnerBufferCountsAsEmptyText) {
-    const Reference<util::RWCharBuffer> buffer(new util::RWCharBuffer);
-    const String text(String::ACQUIRE_SHARE, buffer.get());
-    EXPECT_EQ(text.getLength(), 0);
-}
-
-/// A buffer of no class that a string knows, which counts its locks.
+/// A buffer of no class that a string knows, which counts its locks and may refuse them, or room.
 class LockedBuffer : public util::RWCharBuffer {
 public:
     using RWBuffer::RWBuffer;
@@ -363,6 +366,9 @@ public:
     }
     void releaseReadLock() const override { --locks; }
     char16_t* getWriteLock(int capacity) override {
+        if (refuse) {
+            throw ResultException(QV_E_BUSY);
+        }
         ++locks;
         return RWBuffer::getWriteLock(capacity);
     }
@@ -380,6 +386,23 @@ public:
     bool refuse = false;
     bool full = false;
 };
+
+TEST(StringTest, EmptyInnerBufferCountsAsEmptyText) {
+    for (util::ICharBuffer* const buffer : std::initializer_list<util::ICharBuffer*>{
+             new util::RWCharBuffer, new util::ROCharBuffer, new LockedBuffer}) {
+        String text(String::ACQUIRE_SHARE, buffer);
+        EXPECT_EQ(buffer->GetLength(), 0) << "not even a terminator";
+        EXPECT_EQ(text.getLength(), 0);
+        EXPECT_EQ(static_cast<const util::ICharBuffer&>(text).GetLength(), 0);
+        EXPECT_EQ(text, u"");
+        EXPECT_EQ(text.compare(String()), 0);
+        EXPECT_EQ(text.compare(u"ab"), -2);
+        EXPECT_EQ(text.hashCode(), 0u);
+        EXPECT_EQ(text.append(u'a'), u"a");
+        EXPECT_EQ(text.append(u"bc"), u"abc");
+        EXPECT_EQ(text.getData()[3], 0);
+    }
+}
 
 TEST(StringTest, ForeignInnerBufferWithoutRoomKeepsItsTextAndGivesTheLockBack) {
     auto* const buffer = new LockedBuffer(u"abc", 4);
@@ -404,6 +427,24 @@ TEST(StringTest, ForeignInnerBufferIsReachedThroughItsLocks) {
     buffer->refuse = true;
     EXPECT_EQ(support::thrownResult([&] { text.equals(u"abc"); }), QV_E_BUSY);
     EXPECT_EQ(support::thrownResult([&] { text.getReadLock(); }), QV_E_BUSY);
+}
+
+TEST(StringTest, NativeLocksThrowWhatTheInnerBufferAnswers) {
+    constexpr auto wouldDeadlock = static_cast<std::int32_t>(0x8007046B);
+    String text(String::ACQUIRE_SHARE, new util::MTCharBuffer(u"abc", 4, 0));
+    EXPECT_EQ(support::thrownResult([&] { text.releaseReadLock(); }), QV_E_NOTOWNER);
+    text.getReadLock();
+    EXPECT_EQ(support::thrownResult([&] { text.freeExtra(); }), wouldDeadlock);
+    EXPECT_EQ(support::thrownResult([&] { text.getWriteLock(0); }), wouldDeadlock);
+    text.releaseReadLock();
+
+    auto* const buffer = new LockedBuffer(u"abc", 4);
+    text.setAddRef(String(String::ACQUIRE_SHARE, buffer));
+    buffer->refuse = true;
+    EXPECT_EQ(support::thrownResult([&] { text.getWriteLock(0); }), QV_E_BUSY);
+    EXPECT_EQ(support::thrownResult([&] { text.append(u"d"); }), QV_E_BUSY);
+    buffer->refuse = false;
+    EXPECT_EQ(text, u"abc");
 }
 
 TEST(StringTest, TemporaryIsWrittenThroughAForeignInnerBuffer) {
@@ -653,6 +694,7 @@ const Edit edits[] = {
     {"SetToText", [](String& text) { text.setTo(u"xyz", 2); }, "xy"},
     {"SetToUnits", [](String& text) { text.setTo(u'x', 2); }, "xx"},
     {"SetToBytes", [](String& text) { text.setTo("xyz", 2, u"UTF-8"); }, "xy"},
+    {"SetToNoBytes", [](String& text) { text.setTo("", 0, u"UTF-8"); }, ""},
     {"SetToCopy", [](String& text) { text.setTo(String::ACQUIRE_COPY, u"xy"); }, "xy"},
     {"SetToUpper", [](String& text) { text.setTo(String::ACQUIRE_COPY_UPPER, u"xy"); }, "XY"},
     {"ReplaceText", [](String& text) { text.replace(1, 1, u"--"); }, "a-- c "},
@@ -743,15 +785,7 @@ TEST(StringTest, LongTextsGrowUnitByUnit) {
     EXPECT_EQ(text.getData()[70000], 0);
 }
 
-/// An inner buffer that tells its room.
-class MeasuredBuffer : public util::RWCharBuffer {
-public:
-    using RWBuffer::getCapacity;
-    using RWBuffer::RWBuffer;
-};
-
-TEST(StringTest, GrowthIsExactButForTheRounding) {
-    auto* const buffer = new MeasuredBuffer(u"", 1);
+void expectExactGrowth(util::RWCharBuffer* buffer) {
     String text(String::ACQUIRE_SHARE, buffer);
     for (int length = 1; length <= 500; ++length) {
         text.append(u'a');
@@ -765,8 +799,16 @@ TEST(StringTest, GrowthIsExactButForTheRounding) {
     EXPECT_EQ(buffer->getCapacity(), (1510 + 2 + 15) / 16 * 16);
 }
 
+TEST(StringTest, GrowthIsExactButForTheRounding) {
+    expectExactGrowth(new util::RWCharBuffer(u"", 1));
+}
+
+TEST(StringTest, GrowthOfAForeignInnerBufferIsExactButForTheRounding) {
+    expectExactGrowth(new LockedBuffer(u"", 1));
+}
+
 TEST(StringTest, LocksMakeRoomForTheTerminatorToo) {
-    auto* const buffer = new MeasuredBuffer(u"", 1);
+    auto* const buffer = new LockedBuffer(u"", 1);
     String text(String::ACQUIRE_SHARE, buffer);
     text.getWriteLock(15);
     EXPECT_EQ(buffer->getCapacity(), 16);
@@ -1090,6 +1132,21 @@ TEST(StringTest, LastIndexOfFindsTheLastMatchThatEndsInTime) {
     EXPECT_EQ(text.lastIndexOf(u'a', -1, true), 6);
     EXPECT_EQ(text.lastIndexOf(u'z'), -1);
     EXPECT_EQ(String().lastIndexOf(u'a'), -1);
+}
+
+TEST(StringTest, BackwardSearchesFromBehindTheTextBeginAtItsLastUnit) {
+    const String text(u"a b a");
+    // The terminator, which stands at the length, is no unit of the text.
+    for (const int from : {5, 6, 99, std::numeric_limits<int>::max()}) {
+        for (const bool ignoreCase : {false, true}) {
+            EXPECT_EQ(text.lastIndexOf(u'a', from, ignoreCase), 4) << from;
+            EXPECT_EQ(text.lastIndexOf(u'\0', from, ignoreCase), -1) << from;
+            EXPECT_EQ(text.lastIndexOf(u" a", -1, from, ignoreCase), 3) << from;
+            EXPECT_EQ(text.findLastOf(u" ", -1, from, ignoreCase), 3) << from;
+            EXPECT_EQ(text.findLastOf(u"\0b", 2, from, ignoreCase), 2) << from;
+            EXPECT_EQ(text.findLastNotOf(u"a", -1, from, ignoreCase), 3) << from;
+        }
+    }
 }
 
 TEST(StringTest, EveryFormOfASearchHandsItsArgumentsOn) {

@@ -1,4 +1,5 @@
 #include "qvcore/Console.h"
+#include "qvcore/File.h"
 
 #include "tests/qvcore/Results.h"
 #include "tests/support/ChildRole.h"
@@ -41,6 +42,15 @@ int tellLines(const std::vector<std::string>&) {
     return 0;
 }
 
+/// Tells the result of a read where standard input is closed.
+int tellFailure(const std::vector<std::string>&) {
+    QVFileClose(QVFileGetStandard(0));
+    std::int32_t key = 0;
+    tell(QVConsoleReadKey(&key) == invalidHandle ? "invalid handle" : "another result");
+    return 0;
+}
+
+const support::ChildRole failureRole("tell-failure", tellFailure);
 const support::ChildRole linesRole("tell-lines", tellLines);
 const support::ChildRole keysRole("tell-keys", tellKeys);
 
@@ -67,6 +77,12 @@ TEST(ConsoleTest, ReadsNoFurtherThanTheKeyThatIsTheLast) {
     EXPECT_EQ(child.readLine(), "97 98 10");
     EXPECT_EQ(child.readLine(), "99 100 10");
     EXPECT_EQ(child.readLine(), "");
+    EXPECT_EQ(child.wait(), 0);
+}
+
+TEST(ConsoleTest, FailsWhereStandardInputIsClosed) {
+    TestProcess child("tell-failure", {});
+    EXPECT_EQ(child.readLine(), "invalid handle");
     EXPECT_EQ(child.wait(), 0);
 }
 

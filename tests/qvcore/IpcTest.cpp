@@ -19,6 +19,7 @@ using namespace support;
 namespace {
 
 constexpr std::uint32_t readAccess = 0x80000000u;
+constexpr std::uint32_t writeAccess = 0x40000000u;
 constexpr std::uint32_t readWriteAccess = 0xC0000000u;
 
 /// A name that no other run of the tests uses at the same time.
@@ -518,6 +519,15 @@ TEST(SharedMemoryTest, IsMappedForWhatItsAccessSays) {
     EXPECT_EQ(address, &address);
     EXPECT_EQ(QVSharedMemDetach(&address), invalidArgument);
     EXPECT_EQ(QVSharedMemDetach(nullptr), invalidArgument);
+}
+
+TEST(SharedMemoryTest, IsWrittenUnderWriteAccessAlone) {
+    const Block block(uniqueName(), 100);
+    void* address = nullptr;
+    ASSERT_EQ(QVSharedMemAttach(block.handle(), writeAccess, &address), 0);
+    std::memset(address, 42, 100);
+    EXPECT_EQ(block.bytes()[99], 42);
+    EXPECT_EQ(QVSharedMemDetach(address), 0);
 }
 
 TEST(SharedMemoryTest, IsGoneWithItsLastHandle) {

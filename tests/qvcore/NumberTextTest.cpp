@@ -1,5 +1,7 @@
 #include "qvcore/NumberText.h"
 
+#include "tests/support/LocaleScope.h"
+
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -111,7 +113,12 @@ TEST(IntegerTest, ReadsADecimalNumber) {
     EXPECT_EQ(QVStrToIW(u"-2147483649"), least);
 }
 
-class RealNumberTest : public testing::TestWithParam<RealRow> {};
+/// The numbers are written with a decimal point here, whatever the user's locale says.
+class RealTest : public testing::Test {
+    const support::LocaleScope locale_{LC_NUMERIC, "C"};
+};
+
+class RealNumberTest : public RealTest, public testing::WithParamInterface<RealRow> {};
 
 TEST_P(RealNumberTest, ReadsAsFarAsTheNumberGoes) {
     const RealRow& row = GetParam();
@@ -149,7 +156,7 @@ INSTANTIATE_TEST_SUITE_P(
         RealRow{u"0x1.fffffffffffff8p1023", infinity, 23},
         RealRow{u"0x1.fffffffffffff7p1023", 1.7976931348623157e308, 23}, RealRow{u"１", 0.0, 0}));
 
-TEST(RealTest, ReadsNoNumber) {
+TEST_F(RealTest, ReadsNoNumber) {
     const char16_t* text = u" -NaN!";
     const char16_t* end = nullptr;
     const double value = QVStrToDW(text, &end);
@@ -158,7 +165,7 @@ TEST(RealTest, ReadsNoNumber) {
     EXPECT_EQ(end - text, 5);
 }
 
-TEST(RealTest, RoundsToTheNearest) {
+TEST_F(RealTest, RoundsToTheNearest) {
     // Halfway between two doubles to the even one; a digit far behind decides.
     EXPECT_EQ(real(u"1.00000000000000011102230246251565404236316680908203125"), 1.0);
     EXPECT_EQ(real(u"1.00000000000000011102230246251565404236316680908203124"), 1.0);
@@ -171,7 +178,7 @@ TEST(RealTest, RoundsToTheNearest) {
     EXPECT_EQ(real(wide(halfway + fraction + "1").c_str()), 9007199254740994.0);
 }
 
-TEST(RealTest, ReadsLongTexts) {
+TEST_F(RealTest, ReadsLongTexts) {
     const std::string zeros(1000, '0');
     EXPECT_EQ(real(wide(zeros + "7").c_str()), 7.0);
     EXPECT_EQ(real(wide("0." + zeros + "1e1001").c_str()), 1.0);
@@ -181,7 +188,7 @@ TEST(RealTest, ReadsLongTexts) {
     EXPECT_EQ(real(wide("0." + zeros + "1").c_str()), 0.0);
 }
 
-TEST(RealTest, ReadsBackEveryPrintedNumber) {
+TEST_F(RealTest, ReadsBackEveryPrintedNumber) {
     std::uint64_t state = 88172645463325252u;
     for (int round = 0; round < 20000; ++round) {
         state ^= state << 13;

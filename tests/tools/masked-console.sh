@@ -35,11 +35,20 @@ expect raw
 type_keys '\xC3\xA9a\xE2\x82\xAC\r' # U+00E9, a and U+20AC, as the emulator takes them
 expect "$((length + 1)):$foreign"
 expect raw
-type_keys 'x\003'
+type_keys 'x\003' # the emulator breaks the read off before it has taken the first key
 expect aborted
+expect raw
+type_keys 'ab\r'
+expect 3:ab
+wait "$terminal_PID"
+
+open_console masked-console-pair
+expect raw
+type_keys 'ab\rcde\r'
+expect 3:ab:4:cde:restored
 wait "$terminal_PID"
 
 open_console masked-console-heir
 expect 7:restored
 wait "$terminal_PID"
-echo "masked-console: lines and an abort, without echo, and a console that is restored"
+echo "masked-console: lines, an abort and two readers, without echo, and a console that is restored"

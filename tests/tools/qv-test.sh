@@ -94,8 +94,8 @@ fails "same file by a detour" 1 "qv: input and output are the same file" "${qv[@
 fails "bad path" 1 "qv: invalid drive" "${qv[@]}" path -text=ab:c
 check "the refused output is untouched" 7465787420e90a "$(hex <"$work/out")"
 strict() { printf '%b' "$1" | "${qv[@]}" convert -from="$2" -to="$3" -strict 2>&1 >/dev/null; }
-check "strict encoder" "qv: a character has no form in the encoding [0x8BB34102]" "$(strict '\0303\0251' UTF-8 ASCII)"
-check "strict decoder" "qv: a character has no form in the encoding [0x8BB34102]" "$(strict '\0200' ASCII UTF-8)"
+check "strict encoder" "qv: a character or byte that the encoding does not have [0x8BB34102]" "$(strict '\0303\0251' UTF-8 ASCII)"
+check "strict decoder" "qv: a character or byte that the encoding does not have [0x8BB34102]" "$(strict '\0200' ASCII UTF-8)"
 check "strict at the end" "qv: incomplete character at the end of the input [0x8BB34101]" "$(strict 'A\0303' UTF-8 UTF-16LE)"
 check "lone surrogate" "qv: leading surrogate without trailing [0x8BB34101]" "$(printf '\0\330' | "${qv[@]}" convert -from=UTF-16LE -to=UTF-8 2>&1 >/dev/null)"
 

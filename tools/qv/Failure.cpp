@@ -33,7 +33,7 @@ constexpr Meaning meanings[] = {
     {qv::QV_E_INVALIDNAME, u"no such name is possible"},
     {qv::QV_E_BUSY, u"in use"},
     {qv::QV_E_ALREADYEXISTS, u"already exists"},
-    {qv::QV_E_UNMAPPABLECHARACTER, u"a character has no form in the encoding"},
+    {qv::QV_E_UNMAPPABLECHARACTER, u"a character or byte that the encoding does not have"},
     {qv::QV_E_INVALIDCHARACTER, u"bad character"},
 };
 

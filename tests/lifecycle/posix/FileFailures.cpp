@@ -27,6 +27,7 @@ int closesThatFail = 0; ///< of those to come
 int closeError = 0;     ///< their error
 std::optional<std::int32_t> readResult;
 std::optional<std::int32_t> sizeResult;
+std::optional<std::int32_t> flushResult;
 std::optional<std::int32_t> nameLength; ///< of a name turned into narrow text
 
 /// What this program stands in for.
@@ -58,6 +59,11 @@ std::int32_t QVFileRead(std::uint64_t handle, void* buffer, std::uint32_t length
 std::int32_t QVFileGetSize(std::uint64_t handle, std::int64_t* size) noexcept {
     static const auto getSize = standsInFor<decltype(QVFileGetSize)>("QVFileGetSize");
     return sizeResult ? *sizeResult : getSize(handle, size);
+}
+
+std::int32_t QVFileFlush(std::uint64_t handle) noexcept {
+    static const auto flush = standsInFor<decltype(QVFileFlush)>("QVFileFlush");
+    return flushResult ? *flushResult : flush(handle);
 }
 
 std::int32_t QVUnicodeToAnsi(char* destination, const char16_t* source,
@@ -224,6 +230,17 @@ void aFileWithoutASizeIsClosedBeforeThatIsThrown() {
     CHECK(out.getSize() >= 0);
 }
 
+void aFileThatCannotBeFlushedIsClosedBeforeThatIsThrown() {
+    FileOutputStream out(path(), FileOutputStream::KEEPCLOSED);
+    flushResult = QV_E_DISKFULL;
+    out.open();
+    CHECK(thrownResult([&] { out.flush(); }) == QV_E_DISKFULL);
+    CHECK(out.is_open() == 0);
+    CHECK(thrownResult([&] { out.write("x", 1); }) == QV_E_DISKFULL);
+    CHECK(out.is_open() == 0);
+    flushResult.reset();
+}
+
 void aLockNeedsANameThatCanBeTold() {
     for (const std::int32_t each : {0, -1}) {
         nameLength = each;
@@ -249,6 +266,7 @@ int main() {
     aDroppedStreamLeavesWhatItDoesNotOwn();
     theEndMayAlsoComeAsAResult();
     aFileWithoutASizeIsClosedBeforeThatIsThrown();
+    aFileThatCannotBeFlushedIsClosedBeforeThatIsThrown();
     aLockNeedsANameThatCanBeTold();
     std::puts("passed");
     return 0;

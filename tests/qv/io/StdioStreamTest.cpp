@@ -351,6 +351,14 @@ const support::ChildRole maskedReader("masked-reader", [](const Arguments& argum
     return 0;
 });
 
+const support::ChildRole closedReader("masked-closed-reader", [](const Arguments&) {
+    QVFileClose(QVFileGetStandard(0));
+    MaskedConsoleInputStream in;
+    const std::int32_t result = support::thrownResult([&] { in.read(); });
+    support::tell(result == QV_E_INVALIDHANDLE ? "invalid handle" : "another result");
+    return 0;
+});
+
 std::string masked(const std::string& keys, int length = 64) {
     const Lines lines = answers("masked-reader", keys, {std::to_string(length)});
     return lines.size() == 1 ? lines[0] : "no single answer";
@@ -380,6 +388,10 @@ TEST(MaskedConsoleInputStreamTest, CtrlZEndsTheInput) {
 }
 
 TEST(MaskedConsoleInputStreamTest, CtrlCAborts) { EXPECT_EQ(masked("ab\x03"), "aborted"); }
+
+TEST(MaskedConsoleInputStreamTest, FailureToReadIsThrown) {
+    EXPECT_EQ(answers("masked-closed-reader", "", {}), Lines{"invalid handle"});
+}
 
 TEST(MaskedConsoleInputStreamTest, RoomEndsTheInput) {
     EXPECT_EQ(masked("abcdef", 3), "3:abc");

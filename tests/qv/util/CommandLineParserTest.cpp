@@ -1,6 +1,7 @@
 #include "qv/util/CommandLineParser.h"
 
 #include "qv/Exceptions.h"
+#include "tests/support/LocaleScope.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Throws.h"
 
@@ -362,6 +363,7 @@ TEST(CommandLineParserTest, ArgumentsAreJoinedAsTheyStand) {
 }
 
 TEST(CommandLineParserTest, ValuesAreConverted) {
+    const support::LocaleScope locale(LC_NUMERIC, "C");
     CommandLineParser parser;
     parser.parse(u"-n=12ab,0x1F,010,-5,99999999999 -d=2.5x,-1e3 -t=abc, -e=\"\"");
     EXPECT_EQ(parser.getValueLong(u"n", 0), 12);

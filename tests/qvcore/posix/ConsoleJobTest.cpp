@@ -1,29 +1,18 @@
 // The console of a job: a process that its session's leader brings to the foreground, stops and
 // lets go on, as a shell does.
 
-#include "qvcore/Console.h"
-
 #include "tests/support/ChildRole.h"
-#include "tests/support/TestProcess.h"
+#include "tests/support/posix/TerminalRole.h"
 #include "tests/support/posix/TerminalSession.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
 
+using support::terminalMode;
 using support::TerminalSession;
 
 namespace {
-
-termios terminalMode() {
-    termios mode = {};
-    tcgetattr(STDIN_FILENO, &mode);
-    return mode;
-}
-
-bool isRaw() { return (terminalMode().c_lflag & (ICANON | ECHO | ISIG)) == 0; }
 
 void bringToForeground(pid_t job) {
     std::signal(SIGTTOU, SIG_IGN); // the caller need not be there itself
@@ -31,11 +20,8 @@ void bringToForeground(pid_t job) {
     std::signal(SIGTTOU, SIG_DFL);
 }
 
-/// Tells a key, or that there is none to be read.
-[[noreturn]] void tellKey() {
-    std::int32_t key = 0;
-    const std::int32_t result = QVConsoleReadKey(&key);
-    support::tell(result == 0 ? std::to_string(key) : "failed");
+[[noreturn]] void tellKeyAndEnd() {
+    support::tellKey();
     _exit(0);
 }
 
@@ -45,7 +31,7 @@ pid_t startInForeground() {
     if (job == 0) {
         setpgid(0, 0);
         bringToForeground(getpid());
-        tellKey();
+        tellKeyAndEnd();
     }
     return job;
 }
@@ -76,11 +62,10 @@ int stopReader(int number) {
     support::tell("ready");
     const termios before = terminalMode();
     const pid_t job = startInForeground();
-    while (!isRaw()) {
-    }
+    support::awaitRawTerminal();
     kill(job, number);
     const int signal = awaitStop(job);
-    support::tell(std::to_string(signal) + (isRaw() ? " raw" : " restored"));
+    support::tell(std::to_string(signal) + (support::isTerminalRaw() ? " raw" : " restored"));
     setMode(before);
     letGoOn(job);
     return 0;
@@ -97,10 +82,10 @@ int startReaderInBackground(const std::vector<std::string>&) {
     const pid_t job = fork();
     if (job == 0) {
         setpgid(0, 0);
-        tellKey();
+        tellKeyAndEnd();
     }
     const int signal = awaitStop(job);
-    support::tell(std::to_string(signal) + (isRaw() ? " raw" : " untouched"));
+    support::tell(std::to_string(signal) + (support::isTerminalRaw() ? " raw" : " untouched"));
     termios changed = terminalMode();
     changed.c_cc[VSTOP] = 1;
     setMode(changed);
@@ -119,10 +104,10 @@ int startUnstoppableReader(const std::vector<std::string>&) {
         setpgid(0, 0);
         std::signal(SIGTTIN, SIG_IGN);
         std::signal(SIGTTOU, SIG_IGN);
-        tellKey();
+        tellKeyAndEnd();
     }
     awaitStop(job);
-    support::tell(isRaw() ? "raw" : "untouched");
+    support::tell(support::isTerminalRaw() ? "raw" : "untouched");
     return 0;
 }
 

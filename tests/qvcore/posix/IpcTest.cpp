@@ -7,6 +7,7 @@
 #include "tests/support/ChildRole.h"
 #include "tests/support/StartedThread.h"
 #include "tests/support/TestProcess.h"
+#include "tests/support/posix/Forks.h"
 
 #include <cerrno>
 #include <csignal>
@@ -36,55 +37,6 @@ constexpr std::int32_t outOfMemory = bits(0x8007000Eu);
 
 std::string uniqueName() { return "qvcore-posix-test-" + std::to_string(getpid()); }
 
-template <typename Work>
-int inFork(Work work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(work());
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-/// A forked child that works, tells the result and stays until it is killed.
-class StayingFork {
-public:
-    template <typename Work>
-    explicit StayingFork(Work work) {
-        int ends[2];
-        EXPECT_EQ(pipe(ends), 0);
-        child_ = fork();
-        if (child_ == 0) {
-            const std::int32_t result = work();
-            const ssize_t written = write(ends[1], &result, sizeof result);
-            while (written > 0) {
-                pause();
-            }
-            _exit(1);
-        }
-        close(ends[1]);
-        EXPECT_EQ(read(ends[0], &result_, sizeof result_), static_cast<ssize_t>(sizeof result_));
-        close(ends[0]);
-    }
-    ~StayingFork() { kill(); }
-    StayingFork(const StayingFork&) = delete;
-    StayingFork& operator=(const StayingFork&) = delete;
-
-    std::int32_t result() const { return result_; }
-    void kill() {
-        if (child_ != 0) {
-            EXPECT_EQ(::kill(child_, SIGKILL), 0);
-            waitpid(child_, nullptr, 0);
-            child_ = 0;
-        }
-    }
-
-private:
-    pid_t child_ = 0;
-    std::int32_t result_ = -1;
-};
-
 /// The files of shared memory that this process has mapped, and where each lies first.
 std::map<std::string, qv::core::SharedHead*> mappedFiles() {
     std::map<std::string, qv::core::SharedHead*> files;
@@ -98,6 +50,46 @@ std::map<std::string, qv::core::SharedHead*> mappedFiles() {
         }
     }
     return files;
+}
+
+/// What the system lets be done with the memory at the address, in the letters by which it tells.
+std::string protectionOf(const void* address) {
+    const auto wanted = reinterpret_cast<std::uintptr_t>(address);
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        std::uintptr_t start = 0;
+        std::uintptr_t end = 0;
+        char dash = 0;
+        std::string letters;
+        std::istringstream(line) >> std::hex >> start >> dash >> end >> letters;
+        if (start <= wanted && wanted < end) {
+            return letters;
+        }
+    }
+    return "not mapped";
+}
+
+/// Takes every free place of the only block that this process has mapped, in the name of a process
+/// that has ended.
+void fillWithAnEndedProcess() {
+    const pid_t ended = fork();
+    if (ended == 0) {
+        _exit(0);
+    }
+    waitpid(ended, nullptr, 0);
+    // No process has that start: should the number come again, it is another's.
+    const qv::core::ProcessIdentity identity = {static_cast<std::uint32_t>(ended), 1};
+    const auto files = mappedFiles();
+    ASSERT_EQ(files.size(), 1u);
+    std::size_t taken = 0;
+    for (qv::core::ProcessEntry& entry : files.begin()->second->processes) {
+        if (entry.isFree()) {
+            entry.take(identity);
+            entry.handles.store(1);
+            ++taken;
+        }
+    }
+    ASSERT_EQ(taken, qv::core::ProcessTable::capacity - 1) << "this process has its own";
 }
 
 /// The file of the lock of that name, which nobody has open.
@@ -470,6 +462,44 @@ TEST(PosixIpcTest, KeepsTheParentsHandlesWhenAForkedChildClosesIts) {
     EXPECT_EQ(QVSharedMemOpen(name.c_str(), 0, 0, 11, &again), invalidArgument);
     EXPECT_EQ(QVNamedSemClose(semaphore), 0);
     EXPECT_EQ(QVSharedMemClose(memory), 0);
+}
+
+TEST(PosixIpcTest, MapsABlockForNoMoreThanItsAccessSays) {
+    constexpr std::uint32_t readAccess = 0x80000000u;
+    constexpr std::uint32_t writeAccess = 0x40000000u;
+    std::uint64_t block = 0;
+    ASSERT_EQ(QVSharedMemOpen(uniqueName().c_str(), 0, 0, 10, &block), 0);
+    for (const auto& [access, protection] : {std::pair{readAccess, "r--s"},
+                                             {writeAccess, "rw-s"},
+                                             {readAccess | writeAccess, "rw-s"}}) {
+        void* address = nullptr;
+        ASSERT_EQ(QVSharedMemAttach(block, access, &address), 0);
+        EXPECT_EQ(protectionOf(address), protection) << access;
+        EXPECT_EQ(QVSharedMemDetach(address), 0);
+    }
+    EXPECT_EQ(QVSharedMemClose(block), 0);
+}
+
+TEST(PosixIpcTest, HasRoomForAWaiterWhereOnlyAnEndedProcessFillsTheTable) {
+    std::uint64_t lock = 0;
+    ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &lock), 0);
+    ASSERT_NO_FATAL_FAILURE(fillWithAnEndedProcess());
+    EXPECT_EQ(inFork([lock] { return QVSemaphoreWait(lock) == 0 ? 0 : 1; }), 0);
+    EXPECT_EQ(QVSemaphoreTryWait(lock), 0) << "what it held came back with its end";
+    EXPECT_EQ(QVNamedSemClose(lock), 0);
+}
+
+TEST(PosixIpcTest, HasRoomForAnOpenerWhereOnlyAnEndedProcessFillsTheTable) {
+    const std::string name = uniqueName();
+    std::uint64_t block = 0;
+    ASSERT_EQ(QVSharedMemOpen(name.c_str(), 0, 0, 10, &block), 0);
+    ASSERT_NO_FATAL_FAILURE(fillWithAnEndedProcess());
+    EXPECT_EQ(inFork([&name] {
+                  std::uint64_t own = 0;
+                  return QVSharedMemOpen(name.c_str(), 0, 0, 10, &own) == 0 ? 0 : 1;
+              }),
+              0);
+    EXPECT_EQ(QVSharedMemClose(block), 0);
 }
 
 TEST(PosixIpcTest, FreesWhatAZombieHolds) {

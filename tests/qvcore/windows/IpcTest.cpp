@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <windows.h>
 
 namespace {
@@ -18,7 +19,31 @@ bool isKnownToTheSystem(std::uint32_t process) {
     return opened != nullptr;
 }
 
+/// What the system lets be done with the memory at the address.
+DWORD protectionOf(const void* address) {
+    MEMORY_BASIC_INFORMATION information = {};
+    EXPECT_NE(VirtualQuery(address, &information, sizeof information), 0u);
+    return information.Protect;
+}
+
 } // namespace
+
+TEST(WindowsIpcTest, MapsABlockForNoMoreThanItsAccessSays) {
+    constexpr std::uint32_t readAccess = 0x80000000u;
+    constexpr std::uint32_t writeAccess = 0x40000000u;
+    std::uint64_t block = 0;
+    ASSERT_EQ(QVSharedMemOpen(support::uniqueName().c_str(), 0, 0, 10, &block), 0);
+    for (const auto& [access, protection] :
+         {std::pair<std::uint32_t, DWORD>{readAccess, PAGE_READONLY},
+          {writeAccess, PAGE_READWRITE},
+          {readAccess | writeAccess, PAGE_READWRITE}}) {
+        void* address = nullptr;
+        ASSERT_EQ(QVSharedMemAttach(block, access, &address), 0);
+        EXPECT_EQ(protectionOf(address), protection) << access;
+        EXPECT_EQ(QVSharedMemDetach(address), 0);
+    }
+    EXPECT_EQ(QVSharedMemClose(block), 0);
+}
 
 TEST(WindowsIpcTest, FreesWhatAProcessHeldThatTheSystemHasForgotten) {
     const std::string name = support::uniqueName();

@@ -86,6 +86,15 @@ bool TerminalSession::isRestored() const {
 
 void TerminalSession::signal(int number) const { kill(child_, number); }
 
+void TerminalSession::signal(int number, int word) const {
+    sigqueue(child_, number, {.sival_int = word});
+}
+
+void TerminalSession::hangUp() {
+    close(master_);
+    master_ = -1;
+}
+
 int TerminalSession::await() {
     int status = 0;
     EXPECT_EQ(waitpid(child_, &status, 0), child_);

@@ -25,6 +25,9 @@ public:
     bool isRestored() const;
 
     void signal(int number) const;
+    /// Sends a word with the signal.
+    void signal(int number, int word) const;
+    void hangUp();
     /// @return the status with which the program ended.
     int await();
 

@@ -63,13 +63,27 @@ std::string printable(const std::string& text) {
     return shown;
 }
 
-/// Tells three lines, each read by one call, and when the console is ready for each. In front of
+/// Tells four lines, each read by one call, and when the console is ready for each. In front of
 /// the first it tells the bytes that the default encoding has for the characters of the second.
 const support::ChildRole reader("masked-console-reader", [](const std::vector<std::string>&) {
     support::tell(printable(qv::String(u"\u00E9a\u20AC").getBytes()));
-    for (int line = 0; line < 3; ++line) {
+    for (int line = 0; line < 4; ++line) {
         support::tell(printable(readWatched()));
     }
+    return 0;
+});
+
+/// Tells two lines, each read by a thread of its own, and how they have left the console.
+const support::ChildRole pair("masked-console-pair", [](const std::vector<std::string>&) {
+    std::string lines[2];
+    std::thread first([&] { lines[0] = readMasked(); });
+    awaitRaw(true);
+    std::thread second([&] { lines[1] = readMasked(); });
+    Sleep(50); // the second thread comes to a console that is raw already
+    support::tell("raw");
+    first.join();
+    second.join();
+    support::tell(lines[0] + ":" + lines[1] + (isRaw() ? ":raw" : ":restored"));
     return 0;
 });
 

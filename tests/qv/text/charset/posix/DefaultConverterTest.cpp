@@ -1,10 +1,12 @@
 #include "qv/Class.h"
 #include "qv/Exceptions.h"
 #include "qv/Reference.h"
+#include "qv/Str1.h"
 #include "qv/String.h"
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
 #include "qv/util/CommandLineParser.h"
+#include "qv/util/RWBuffer.h"
 #include "tests/support/Printing.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/Throws.h"
@@ -20,6 +22,8 @@ using namespace qv::text::charset;
 
 namespace {
 
+const signed char* bytesOf(const char* text) { return reinterpret_cast<const signed char*>(text); }
+
 /// Runs each test in a locale of its own making, whose code set has a name that the test chooses.
 class DefaultConverterTest : public testing::Test {
 protected:
@@ -29,8 +33,13 @@ protected:
         }
     }
     ~DefaultConverterTest() override {
+        // The previous locale is found where it was found before.
+        if (previousPath_.empty()) {
+            unsetenv("LOCPATH");
+        } else {
+            setenv("LOCPATH", previousPath_.c_str(), 1);
+        }
         std::setlocale(LC_ALL, previous_.c_str());
-        unsetenv("LOCPATH");
     }
 
     void enterLocale(const std::string& codeSet) {
@@ -48,7 +57,13 @@ protected:
     }
 
 private:
-    std::string previous_ = std::setlocale(LC_ALL, nullptr);
+    static std::string localePath() {
+        const char* const path = std::getenv("LOCPATH");
+        return path == nullptr ? "" : path;
+    }
+
+    const std::string previousPath_ = localePath();
+    const std::string previous_ = std::setlocale(LC_ALL, nullptr);
     support::TestFolder folder_;
 };
 
@@ -58,6 +73,48 @@ TEST_F(DefaultConverterTest, NameOfTheLocaleIsLookedUp) {
     const Reference<CharToByteConverter> encoder(CharToByteConverter::getDefaultConverter());
     EXPECT_EQ(String(decoder->getEncodingName()), u"CP437");
     EXPECT_EQ(String(encoder->getEncodingName()), u"CP437");
+}
+
+TEST_F(DefaultConverterTest, StringsEncodeByIt) {
+    ASSERT_NO_FATAL_FAILURE(enterLocale("cp437"));
+    const String text(u"\u00E9");
+    EXPECT_STREQ(text.getBytes(), "\x82");
+    EXPECT_STREQ(text.getDataT(true), "\x82");
+    EXPECT_STREQ(text.getBytesReadLock(), "\x82");
+    text.releaseReadLock();
+    char out[4];
+    EXPECT_EQ(text.getBytes(out, 4), 2);
+    EXPECT_STREQ(out, "\x82");
+    util::RWByteBuffer buffer;
+    text.getBytes(&buffer);
+    EXPECT_EQ(buffer.getLength(), 2);
+    EXPECT_EQ(buffer.getData()[0], '\x82');
+}
+
+TEST_F(DefaultConverterTest, StringsDecodeByIt) {
+    ASSERT_NO_FATAL_FAILURE(enterLocale("cp437"));
+    String text;
+    text = "\x82";
+    EXPECT_EQ(text, u"\u00E9");
+    EXPECT_EQ(text.setTo("\xA0"), u"\u00E1");
+    EXPECT_EQ(String(bytesOf("\x82"), -1, nullptr), u"\u00E9");
+    EXPECT_EQ(CQVString::create(bytesOf("\x82"), -1, nullptr, 0), u"\u00E9");
+}
+
+TEST_F(DefaultConverterTest, LightStringsConvertByIt) {
+    ASSERT_NO_FATAL_FAILURE(enterLocale("cp437"));
+    Str1 text;
+    EXPECT_EQ(text.copyA(bytesOf("\x82"), -1), 0);
+    EXPECT_EQ(text.appendA(bytesOf("\xA0"), -1), 0);
+    EXPECT_EQ(text, u"\u00E9\u00E1");
+    EXPECT_EQ(Str1(bytesOf("\x82"), -1, nullptr), u"\u00E9");
+    int length = 0;
+    EXPECT_EQ(text.getLengthA(&length), 0);
+    EXPECT_EQ(length, 2);
+    char out[4];
+    EXPECT_EQ(text.convertToAZ(out, 4), 0);
+    EXPECT_STREQ(out, "\x82\xA0");
+    EXPECT_STREQ(text.getBytesAZ(), "\x82\xA0");
 }
 
 TEST_F(DefaultConverterTest, NameThatNothingServesThrows) {

@@ -1,0 +1,282 @@
+// The console of a process to which signals come while a key is awaited.
+
+#include "qvcore/Console.h"
+
+#include "tests/support/ChildRole.h"
+#include "tests/support/posix/TerminalRole.h"
+#include "tests/support/posix/TerminalSession.h"
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/wait.h>
+
+using support::TerminalSession;
+
+namespace {
+
+/// Programs handle these to end or stop in their own way.
+const int orderlySignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGUSR1, SIGUSR2, SIGTSTP};
+
+/// These are a program's own business once it handles them.
+const int ownSignals[] = {SIGWINCH, SIGCHLD, SIGURG, SIGPIPE, SIGIO, SIGPROF, SIGXCPU, SIGRTMIN};
+
+/// The end of the process by a signal that it does not handle.
+const int endingSignals[] = {SIGTERM, SIGINT,   SIGHUP,   SIGUSR2,  SIGQUIT, SIGALRM,
+                             SIGPIPE, SIGXCPU,  SIGXFSZ,  SIGPROF,  SIGIO,   SIGVTALRM,
+                             SIGPWR,  SIGRTMIN, SIGRTMAX, SIGSTKFLT};
+
+void blockAll() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+/// Tells a key while the program handles signals itself, and tells how its handler finds the
+/// terminal.
+const support::ChildRole handlerRole("tell-key-and-handle", [](const std::vector<std::string>&) {
+    for (const int number : orderlySignals) {
+        std::signal(number, [](int) { support::tellModeInHandler(); });
+    }
+    support::tell("ready");
+    support::tellKey();
+    return 0;
+});
+
+/// Does so with handlers that take more than the signal's number, and tells the sender's word.
+const support::ChildRole informedRole("tell-key-and-word", [](const std::vector<std::string>&) {
+    struct sigaction action = {};
+    action.sa_flags = SA_SIGINFO;
+    action.sa_sigaction = [](int, siginfo_t* information, void*) {
+        support::tellInHandler(information->si_value.sival_int == 42 ? "word\n" : "no word\n");
+    };
+    sigaction(SIGUSR1, &action, nullptr);
+    support::tell("ready");
+    support::tellKey();
+    return 0;
+});
+
+/// Tells every key up to Ctrl-Z, and whether the terminal still has the stop key that the program's
+/// handler for its own signals gave it meanwhile. The handler tells how it found the terminal. A
+/// hang-up is ignored.
+const support::ChildRole markRole("tell-keys-and-mark", [](const std::vector<std::string>&) {
+    static constexpr cc_t mark = 1;
+    std::signal(SIGHUP, SIG_IGN);
+    for (const int number : ownSignals) {
+        std::signal(number, [](int) {
+            support::tellModeInHandler();
+            termios marked = support::terminalMode();
+            marked.c_cc[VSTOP] = mark;
+            tcsetattr(STDIN_FILENO, TCSANOW, &marked);
+            support::tellInHandler("marked\n");
+        });
+    }
+    support::tell("ready");
+    return QVConsoleReadKeys(
+        [](void*, std::int32_t key) {
+            support::tell(std::to_string(key) +
+                          (support::terminalMode().c_cc[VSTOP] == mark ? " marked" : " unmarked"));
+            return key == 26 ? 0 : 1;
+        },
+        nullptr);
+});
+
+void awaitSleep(pid_t thread) {
+    const std::string path = "/proc/self/task/" + std::to_string(thread) + "/stat";
+    for (std::string state; state != "S";) {
+        std::ifstream file(path);
+        file.ignore(1000, ')');
+        file >> state;
+    }
+}
+
+/// Sends a signal to another thread's call for each key 's', and ends with another key. The thread
+/// tells what the call gave.
+int tellCallBesideReader(int flags) {
+    struct sigaction action = {};
+    action.sa_flags = flags;
+    action.sa_handler = [](int) { support::tellInHandler("signal\n"); };
+    sigaction(SIGUSR1, &action, nullptr);
+    static int ends[2];
+    if (pipe(ends) != 0) {
+        return 1;
+    }
+    static std::atomic<pid_t> callersId = 0;
+    std::thread caller([] {
+        char byte = 0;
+        callersId = gettid();
+        const ssize_t count = read(ends[0], &byte, 1);
+        support::tell("call " + std::to_string(count));
+    });
+    while (callersId == 0) {
+    }
+    support::tell("ready");
+    QVConsoleReadKeys(
+        [](void* context, std::int32_t key) {
+            if (key != 's') {
+                return 0;
+            }
+            awaitSleep(callersId);
+            pthread_kill(*static_cast<const pthread_t*>(context), SIGUSR1);
+            return 1;
+        },
+        std::array{caller.native_handle()}.data());
+    const bool isReleased = write(ends[1], "x", 1) == 1;
+    caller.join();
+    return isReleased ? 0 : 1;
+}
+
+const support::ChildRole restartedRole("tell-restarted-call", [](const std::vector<std::string>&) {
+    return tellCallBesideReader(SA_RESTART);
+});
+const support::ChildRole brokenRole("tell-broken-off-call", [](const std::vector<std::string>&) {
+    return tellCallBesideReader(0);
+});
+
+/// Waits for a key in a thread that blocks all signals, as the threads of many programs do.
+const support::ChildRole blockingRole("tell-keys-with-signals-blocked",
+                                      [](const std::vector<std::string>&) {
+                                          support::tell("ready");
+                                          std::thread reader([] {
+                                              blockAll();
+                                              support::tellKey();
+                                          });
+                                          reader.join();
+                                          return 0;
+                                      });
+
+/// Sets a handler while a key is awaited, and meets it when the key is there.
+const support::ChildRole laterRole("handle-from-a-key-on", [](const std::vector<std::string>&) {
+    support::tell("ready");
+    QVConsoleReadKeys(
+        [](void*, std::int32_t) {
+            std::signal(SIGUSR2, [](int) { support::tellInHandler("handled\n"); });
+            return 0;
+        },
+        nullptr);
+    raise(SIGUSR2);
+    return 0;
+});
+
+/// Sets again, when a key has come, the handling that it saw while the key was awaited.
+const support::ChildRole
+    againRole("handle-again-behind-a-key", [](const std::vector<std::string>&) {
+        std::signal(SIGUSR1, [](int) { support::tellInHandler("own\n"); });
+        support::tell("ready");
+        static struct sigaction seen;
+        QVConsoleReadKeys(
+            [](void*, std::int32_t) {
+                sigaction(SIGUSR1, nullptr, &seen);
+                return 0;
+            },
+            nullptr);
+        sigaction(SIGUSR1, &seen, nullptr);
+        raise(SIGUSR1);
+        support::tellKey();
+        raise(SIGUSR1);
+        return 0;
+    });
+
+} // namespace
+
+TEST(PosixConsoleSignalTest, RestoresTheTerminalWhenASignalEndsTheProcess) {
+    for (const int number : endingSignals) {
+        TerminalSession session("tell-keys");
+        session.awaitRaw(true);
+        session.signal(number);
+        const int status = session.await();
+        EXPECT_TRUE(WIFSIGNALED(status));
+        EXPECT_EQ(WTERMSIG(status), number);
+        EXPECT_TRUE(session.isRestored()) << number;
+    }
+}
+
+TEST(PosixConsoleSignalTest, RestoresTheTerminalBetweenTwoKeys) {
+    TerminalSession session("tell-keys-in-one-go");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97 raw");
+    session.signal(SIGTERM);
+    EXPECT_EQ(WTERMSIG(session.await()), SIGTERM);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleSignalTest, RestoresTheTerminalThoughTheReaderBlocksTheSignal) {
+    TerminalSession session("tell-keys-with-signals-blocked");
+    session.awaitRaw(true);
+    session.signal(SIGTERM);
+    EXPECT_EQ(WTERMSIG(session.await()), SIGTERM);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleSignalTest, ShowsARestoredTerminalToHandlersThatMayEndTheProcess) {
+    TerminalSession session("tell-key-and-handle");
+    for (const int number : orderlySignals) {
+        session.awaitRaw(true);
+        session.signal(number);
+        EXPECT_EQ(session.readLine(), "restored") << number;
+    }
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleSignalTest, PassesOnWhatCameWithTheSignal) {
+    TerminalSession session("tell-key-and-word");
+    session.awaitRaw(true);
+    session.signal(SIGUSR1, 42);
+    EXPECT_EQ(session.readLine(), "word");
+}
+
+TEST(PosixConsoleSignalTest, LeavesTheTerminalAsItIsForOtherSignals) {
+    TerminalSession session("tell-keys-and-mark");
+    session.awaitRaw(true);
+    for (const int number : ownSignals) {
+        session.signal(number);
+        EXPECT_EQ(session.readLine(), "raw") << number;
+        EXPECT_EQ(session.readLine(), "marked");
+        session.signal(SIGHUP);
+        session.type("a");
+        EXPECT_EQ(session.readLine(), "97 marked");
+    }
+}
+
+TEST(PosixConsoleSignalTest, HandlesASignalOnTheThreadThatItComesTo) {
+    TerminalSession restarted("tell-restarted-call");
+    restarted.awaitRaw(true);
+    restarted.type("s");
+    EXPECT_EQ(restarted.readLine(), "signal");
+    restarted.awaitRaw(true);
+    restarted.type("a");
+    EXPECT_EQ(restarted.readLine(), "call 1");
+    TerminalSession brokenOff("tell-broken-off-call");
+    brokenOff.awaitRaw(true);
+    brokenOff.type("s");
+    EXPECT_EQ(brokenOff.readLine(), "signal");
+    EXPECT_EQ(brokenOff.readLine(), "call -1");
+}
+
+TEST(PosixConsoleSignalTest, KeepsAHandlerThatIsSetMeanwhile) {
+    TerminalSession session("handle-from-a-key-on");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "handled");
+    EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleSignalTest, HandlesAsBeforeWhereItsHandlerIsSetAgain) {
+    TerminalSession session("handle-again-behind-a-key");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "own");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.readLine(), "own");
+    EXPECT_EQ(session.await(), 0);
+}
