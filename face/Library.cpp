@@ -79,16 +79,38 @@ std::int32_t endLibrary() noexcept {
     });
 }
 
+namespace {
+
+/// False where the end would wait for ever: when a process ends, the system has ended all other
+/// threads by then, and one may have held the lock. What is left then goes with the process.
+bool mayEnd(bool isProcessEnding) noexcept {
+    if (!isProcessEnding || g_pGlobalLock == nullptr) {
+        return true;
+    }
+    bool isFree = false;
+    static_cast<void>(toResult([&isFree] {
+        isFree = static_cast<sync::Mutex*>(g_pGlobalLock)->tryWait();
+        if (isFree) {
+            g_pGlobalLock->signal();
+        }
+    }));
+    return isFree;
+}
+
+} // namespace
+
 std::uint64_t identity() noexcept { return reinterpret_cast<std::uintptr_t>(&entry); }
 
-int entry(void* instance, std::uint32_t reason, void*) noexcept {
+int entry(void* instance, std::uint32_t reason, void* reserved) noexcept {
     if (reason == ProcessAttach) {
         moduleInstance = instance;
         static_cast<void>(startLibrary());
         QVModuleSetInitialized(identity(), 1);
     } else if (reason == ProcessDetach) {
         QVModuleSetInitialized(identity(), 0);
-        static_cast<void>(endLibrary());
+        if (mayEnd(reserved != nullptr)) {
+            static_cast<void>(endLibrary());
+        }
     }
     return 1;
 }

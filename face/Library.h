@@ -19,7 +19,8 @@ std::int32_t endLibrary() noexcept;
 /// The word that tells this module from others, wherever the platform layer acts on its behalf.
 std::uint64_t identity() noexcept;
 
-/// The library's entry routine. @return 1, always: the library never refuses to load.
+/// The library's entry routine. At the end of the process `reserved` is not null where the system
+/// has ended all other threads. @return 1, always: the library never refuses to load.
 int entry(void* instance, std::uint32_t reason, void* reserved) noexcept;
 
 } // namespace qv::face

@@ -4,7 +4,8 @@
 
 /// Files of the system. Offsets have 64 bits, handles are closed in child processes, partial
 /// transfers and interrupted calls are hidden. Both `\` and `/` separate the parts of a path; a
-/// path that the system cannot spell is refused with 0x8007007B, never changed.
+/// path that the system cannot spell is refused with 0x8007007B. It is given to the system as it
+/// is: Windows takes a name without the dots and blanks at its end.
 ///
 /// Thread safety: a handle may be used by several threads as far as the system allows it.
 

@@ -9,10 +9,10 @@
 /// open. The handle serves the operations of the semaphore family in qvcore/Locks.h.
 ///
 /// A semaphore made with the count 1 is a lock, and knows its holders: what a process took by
-/// waiting and did not post comes back to the others when the process ends, however it ends, or
-/// closes its last handle. A post by a process that holds nothing adds one. With any other first
-/// count the semaphore counts for all processes together, and nothing is taken back: one process
-/// may post what another waits for.
+/// waiting and did not post comes back to the others when the process ends, however it ends, goes
+/// on as another program, or closes its last handle. A post by a process that holds nothing adds
+/// one. With any other first count the semaphore counts for all processes together, and nothing is
+/// taken back: one process may post what another waits for.
 ///
 /// A child made by fork may use the handles that it inherited; it holds nothing of what its parent
 /// holds. Such a handle counts from its first use in the child: until then the semaphore is gone

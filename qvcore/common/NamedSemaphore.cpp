@@ -119,7 +119,7 @@ public:
 
     std::int32_t getValue(std::int32_t& value) override {
         return underGuard([&value](SemaphoreBlock& block, ProcessEntry&) {
-            if (block.count.load() == 0) {
+            if (block.isLock != 0) {
                 block.reclaim();
             }
             value = static_cast<std::int32_t>(block.count.load());

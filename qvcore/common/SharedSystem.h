@@ -7,10 +7,11 @@
 /// What the systems give to share memory between processes. Implemented by the system.
 namespace qv::core {
 
-/// A process, told from an earlier one of the same number by its start.
+/// A process, told from an earlier one of the same number by its start. One that goes on with
+/// another program is another process.
 struct ProcessIdentity {
     std::uint32_t id;
-    /// The lower half of the start, in the system's own units; 0 where the system did not tell it.
+    /// A word of its start, which two processes do not share; 0 where the system did not tell it.
     std::uint32_t start;
 
     bool operator==(const ProcessIdentity&) const = default;

@@ -61,15 +61,18 @@ void forgetInChild() noexcept {
     TerminalLock::release();
 }
 
-/// Has a fork and the end of the process leave the terminal and the signals as they should be.
-bool registerReader() noexcept {
-    return std::atexit(RawTerminal::end) == 0 && std::at_quick_exit(RawTerminal::end) == 0 &&
-           pthread_atfork(TerminalLock::acquire, TerminalLock::release, forgetInChild) == 0;
+/// Registered when the library is loaded, so that a fork takes the lock behind those of everybody
+/// else, whom a handler that waits for it may hold up.
+[[maybe_unused]] const int isTakenAtFork =
+    pthread_atfork(TerminalLock::acquire, TerminalLock::release, forgetInChild);
+
+bool registerEnd() noexcept {
+    return std::atexit(RawTerminal::end) == 0 && std::at_quick_exit(RawTerminal::end) == 0;
 }
 
 std::int32_t readTerminalKeys(QVKeyTaker take, void* context) noexcept {
-    static const bool isRegistered = registerReader();
-    if (!isRegistered) {
+    static const bool isEndRegistered = registerEnd();
+    if (!isEndRegistered) {
         return QV_E_OUTOFMEMORY;
     }
     const OneReader reader;

@@ -25,8 +25,9 @@ constexpr std::int32_t backspaceKey = 8;
 termios previous; ///< the mode to be restored
 termios raw;      ///< the mode made of it
 bool isRaw = false;
-int pauses = 0;        ///< handlers that run
-bool isEnding = false; ///< the process, by `endingThread`
+bool isDoubtful = false; ///< whether it still is
+int pauses = 0;          ///< handlers that run
+bool isEnding = false;   ///< the process, by `endingThread`
 pthread_t endingThread;
 
 /// An event at which the reader looks anew at what it may do. Made by the first reader, for good.
@@ -38,15 +39,16 @@ void wakeReader() noexcept {
 }
 
 /// Waits until the reader is to look anew, or for input where that is asked for.
-/// @return what there is of the terminal, as poll tells it.
+/// @return what there is of the terminal, as poll tells it; nothing if the reader is to look anew.
 short await(bool isForInput) noexcept {
     pollfd ready[] = {{wakeEvent, POLLIN, 0}, {isForInput ? STDIN_FILENO : -1, POLLIN, 0}};
     restarted([&ready] { return poll(ready, std::size(ready), -1); });
-    if (ready[0].revents != 0) {
-        std::uint64_t count = 0;
-        [[maybe_unused]] const ssize_t taken = read(wakeEvent, &count, sizeof count);
+    if (ready[0].revents == 0) {
+        return ready[1].revents;
     }
-    return ready[1].revents;
+    std::uint64_t count = 0;
+    [[maybe_unused]] const ssize_t taken = read(wakeEvent, &count, sizeof count);
+    return 0;
 }
 
 /// True also where nobody can tell: the terminal may be that of another session.
@@ -79,27 +81,40 @@ termios rawMode(termios mode) noexcept {
 }
 
 /// A terminal that is found raw already was left so by this process, or by the one that it was
-/// forked from: what there is to restore is known.
-void makeRaw() noexcept {
+/// forked from: what there is to restore is known. One that has hung up needs no mode.
+/// @return false on failure.
+bool makeRaw() noexcept {
     termios found = {};
-    tcgetattr(STDIN_FILENO, &found);
+    if (tcgetattr(STDIN_FILENO, &found) != 0) {
+        return errno == EIO;
+    }
     if (!isSame(found, raw)) {
+        const termios wanted = rawMode(found);
+        if (tcsetattr(STDIN_FILENO, TCSANOW, &wanted) != 0) {
+            return false;
+        }
         previous = found;
-        raw = rawMode(found);
-        tcsetattr(STDIN_FILENO, TCSANOW, &raw);
+        raw = wanted;
     }
     isRaw = true;
+    isDoubtful = false;
+    return true;
+}
+
+bool isStillRaw() noexcept {
+    termios found = {};
+    return !isDoubtful || (tcgetattr(STDIN_FILENO, &found) == 0 && isSame(found, raw));
 }
 
 /// In the background the terminal belongs to others, and is as they want it.
 void restore() noexcept {
-    if (isRaw && isInForeground()) {
+    if (isRaw && isInForeground() && isStillRaw()) {
         tcsetattr(STDIN_FILENO, TCSANOW, &previous);
     }
     isRaw = false;
 }
 
-enum class Access { Raw, Paused, Background, Ending };
+enum class Access { Raw, Paused, Background, Ending, Failed };
 
 /// Makes the terminal raw, if the reader may.
 Access demandRaw() noexcept {
@@ -110,13 +125,13 @@ Access demandRaw() noexcept {
     if (pauses != 0) {
         return Access::Paused;
     }
-    if (!isRaw) {
-        if (!isInForeground()) {
-            return Access::Background;
-        }
-        makeRaw();
+    if (isRaw && !isDoubtful) {
+        return Access::Raw;
     }
-    return Access::Raw;
+    if (!isInForeground()) {
+        return Access::Background;
+    }
+    return makeRaw() ? Access::Raw : Access::Failed;
 }
 
 /// What the terminal's user chose for erasing and for the end of input means just that.
@@ -178,6 +193,9 @@ std::int32_t RawTerminal::readKey(std::int32_t& key) noexcept {
         case Access::Ending:
             result = QV_E_UNAVAILABLE;
             break;
+        case Access::Failed:
+            result = lastNativeResult();
+            break;
         }
     }
     return result;
@@ -197,10 +215,10 @@ void RawTerminal::resume() noexcept {
     wakeReader();
 }
 
-void RawTerminal::renew() noexcept {
+void RawTerminal::doubt() noexcept {
     {
         const TerminalLock lock;
-        isRaw = false;
+        isDoubtful = true;
     }
     wakeReader();
 }

@@ -30,8 +30,8 @@ public:
     /// thread.
     static void pause() noexcept;
     static void resume() noexcept;
-    /// Looks at the terminal anew, which others may have had and set while the process was stopped.
-    static void renew() noexcept;
+    /// Tells that others may have had the terminal and set it, while the process was stopped.
+    static void doubt() noexcept;
 
     /// Restores the terminal at the end of the process, whose thread alone reads keys from then on.
     static void end() noexcept;

@@ -28,6 +28,8 @@ struct ProcessStatus {
     bool isKnown = false;
     char state = 0;
     long threads = 0;
+    /// Of the moment at which the process began and of the program that it runs, which is placed
+    /// anew each time: what a process held ends when it runs another. 0 where either is not told.
     std::uint32_t start = 0;
 
     explicit ProcessStatus(std::uint32_t id) noexcept {
@@ -48,18 +50,28 @@ struct ProcessStatus {
 
 private:
     /// The program's name stands in parentheses and may hold any character. Behind it stand the
-    /// state, seventeen fields on the number of threads, and two fields on the start.
+    /// state, seventeen fields on the number of threads, two fields on the moment of the start, and
+    /// six fields on the address at which the program found its stack.
     void parse(std::string_view text) noexcept {
         const std::size_t name = text.rfind(')');
         if (name == std::string_view::npos) {
             return;
         }
-        unsigned long long wholeStart = 0;
+        unsigned long long moment = 0;
+        unsigned long long stack = 0;
         isKnown = std::sscanf(text.data() + name + 1,
                               " %c %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s %*s"
-                              " %ld %*s %llu",
-                              &state, &threads, &wholeStart) == 3;
-        start = static_cast<std::uint32_t>(wholeStart);
+                              " %ld %*s %llu %*s %*s %*s %*s %*s %llu",
+                              &state, &threads, &moment, &stack) == 4;
+        if (moment != 0 && stack != 0) {
+            start = wordOf(moment, stack);
+        }
+    }
+
+    static std::uint32_t wordOf(std::uint64_t moment, std::uint64_t stack) noexcept {
+        constexpr std::uint64_t goldenRatio = 0x9E3779B97F4A7C15; // spreads what differs a little
+        const std::uint64_t mixed = (moment * goldenRatio ^ stack) * goldenRatio;
+        return static_cast<std::uint32_t>(mixed >> 32) | 1;
     }
 };
 

@@ -26,6 +26,7 @@ constexpr int signalCount = _NSIG;
 
 // Change under the TerminalLock.
 sigset_t caught;
+sigset_t takenOver; ///< what the program has set a handler for while it was caught
 /// How each signal is handled but for that. Remains behind the reading: who saw the handler
 /// meanwhile may set it again.
 std::array<struct sigaction, signalCount> handlings;
@@ -41,7 +42,21 @@ bool contains(const std::array<int, count>& signals, int signal) noexcept {
 
 bool isHandledByDefault(int signal) noexcept { return handlingOf(signal).sa_handler == SIG_DFL; }
 
+bool isHandledByProgram(int signal) noexcept {
+    return !isHandledByDefault(signal) && handlingOf(signal).sa_handler != SIG_IGN;
+}
+
 void catchSignal(int signal) noexcept;
+
+/// Lets the signal come that has been raised from its handler, which holds it back.
+void deliver(int signal) noexcept {
+    sigset_t one;
+    sigset_t mask;
+    sigemptyset(&one);
+    sigaddset(&one, signal);
+    pthread_sigmask(SIG_UNBLOCK, &one, &mask);
+    pthread_sigmask(SIG_SETMASK, &mask, nullptr);
+}
 
 /// Has the system end or stop the process here and now.
 void handleByDefault(int signal) noexcept {
@@ -49,25 +64,31 @@ void handleByDefault(int signal) noexcept {
     byDefault.sa_handler = SIG_DFL;
     sigaction(signal, &byDefault, nullptr);
     raise(signal);
-    sigset_t one;
-    sigset_t mask;
-    sigemptyset(&one);
-    sigaddset(&one, signal);
-    pthread_sigmask(SIG_UNBLOCK, &one, &mask); // a process that was stopped goes on from here
-    pthread_sigmask(SIG_SETMASK, &mask, nullptr);
+    deliver(signal); // a process that was stopped goes on from here
     const TerminalLock lock;
     if (sigismember(&caught, signal) == 1) {
         catchSignal(signal);
     }
 }
 
+/// The program's handling for this once: a handler may be meant for the first signal alone.
+struct sigaction takeHandling(int signal) noexcept {
+    const TerminalLock lock;
+    const struct sigaction handling = handlingOf(signal);
+    if ((handling.sa_flags & SA_RESETHAND) != 0) {
+        handlingOf(signal) = {};
+    }
+    return handling;
+}
+
 void handleByProgram(int signal, siginfo_t* information, void* context) noexcept {
-    const struct sigaction& handling = handlingOf(signal);
+    const struct sigaction handling = takeHandling(signal);
     if ((handling.sa_flags & SA_SIGINFO) != 0) {
         handling.sa_sigaction(signal, information, context);
     } else {
         handling.sa_handler(signal);
     }
+    deliver(signal); // to end by its default is what some handlers do last
 }
 
 void handle(int signal, siginfo_t* information, void* context) noexcept {
@@ -82,11 +103,11 @@ void handle(int signal, siginfo_t* information, void* context) noexcept {
     errno = error;
 }
 
-/// A process that goes on may do so in the background, or find the terminal set by others.
+/// A process goes on whether the program handles that or not, in the background perhaps.
 void handleContinue(int signal, siginfo_t* information, void* context) noexcept {
     const int error = errno;
-    RawTerminal::renew();
-    if (!isHandledByDefault(signal)) {
+    RawTerminal::doubt();
+    if (isHandledByProgram(signal)) {
         handleByProgram(signal, information, context);
     }
     errno = error;
@@ -96,33 +117,49 @@ using Handler = void (*)(int, siginfo_t*, void*);
 
 Handler handlerOf(int signal) noexcept { return signal == SIGCONT ? handleContinue : handle; }
 
-/// Finds how a signal is handled. @return whether it is to be caught.
-bool isToBeCaught(int signal) noexcept {
-    struct sigaction handling = {};
-    if (contains(leftAlone, signal) || sigaction(signal, nullptr, &handling) != 0 ||
-        handling.sa_handler == SIG_IGN) {
+/// @return whether a signal that is handled so is to be caught. A handler that was set while the
+/// signal was caught may call this library's, as the one that it stands before, and is left alone.
+bool isToBeCaught(int signal, const struct sigaction& handling) noexcept {
+    const bool isDefault = handling.sa_handler == SIG_DFL;
+    if (contains(leftAlone, signal) || (!isDefault && sigismember(&takenOver, signal) == 1)) {
         return false;
     }
-    if (handling.sa_sigaction != handlerOf(signal)) { // unless set again by who saw it
-        handlingOf(signal) = handling;
-    }
-    return isHandledByDefault(signal) || signal == SIGCONT || contains(orderly, signal);
+    return isDefault || signal == SIGCONT ||
+           (handling.sa_handler != SIG_IGN && contains(orderly, signal));
 }
 
 void catchSignal(int signal) noexcept {
     struct sigaction handling = handlingOf(signal);
-    if (isHandledByDefault(signal)) {
+    if (!isHandledByProgram(signal)) {
         handling.sa_flags = SA_RESTART | SA_ONSTACK; // a process that goes on notices nothing
     }
     handling.sa_flags |= SA_SIGINFO;
+    handling.sa_flags &= ~SA_RESETHAND; // this handler stays, and sees to that itself
     handling.sa_sigaction = handlerOf(signal);
     sigaction(signal, &handling, nullptr);
 }
 
+void catchIfWanted(int signal) noexcept {
+    struct sigaction handling = {};
+    if (sigaction(signal, nullptr, &handling) != 0) {
+        return;
+    }
+    if (handling.sa_sigaction == handlerOf(signal)) { // set again by who saw it
+        sigaddset(&caught, signal);
+    } else if (isToBeCaught(signal, handling)) {
+        handlingOf(signal) = handling;
+        sigaddset(&caught, signal);
+        catchSignal(signal);
+    }
+}
+
 void giveBack(int signal) noexcept {
     struct sigaction present = {};
-    if (sigaction(signal, nullptr, &present) == 0 && present.sa_sigaction == handlerOf(signal)) {
+    sigaction(signal, nullptr, &present);
+    if (present.sa_sigaction == handlerOf(signal)) {
         sigaction(signal, &handlingOf(signal), nullptr);
+    } else if (present.sa_sigaction != handlingOf(signal).sa_sigaction) {
+        sigaddset(&takenOver, signal);
     }
 }
 
@@ -131,10 +168,7 @@ void giveBack(int signal) noexcept {
 TerminalSignals::TerminalSignals() noexcept {
     const TerminalLock lock;
     for (int signal = 1; signal < signalCount; ++signal) {
-        if (isToBeCaught(signal)) {
-            sigaddset(&caught, signal);
-            catchSignal(signal);
-        }
+        catchIfWanted(signal);
     }
 }
 
@@ -144,10 +178,15 @@ TerminalSignals::~TerminalSignals() {
 }
 
 void TerminalSignals::forget() noexcept {
-    sigemptyset(&caught);
-    for (int signal = 1; signal < signalCount; ++signal) {
-        giveBack(signal);
+    if (sigisemptyset(&caught)) {
+        return; // the child of a process that reads no keys
     }
+    for (int signal = 1; signal < signalCount; ++signal) {
+        if (sigismember(&caught, signal) == 1) {
+            giveBack(signal);
+        }
+    }
+    sigemptyset(&caught);
 }
 
 } // namespace qv::core

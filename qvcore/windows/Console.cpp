@@ -26,12 +26,15 @@ public:
         console_ = console;
         previous_ = mode;
         isRaw_ = true;
-        SetConsoleMode(console, mode & ~static_cast<DWORD>(ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT |
-                                                           ENABLE_PROCESSED_INPUT));
+        isRaw_ = SetConsoleMode(console,
+                                mode & ~static_cast<DWORD>(ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT |
+                                                           ENABLE_PROCESSED_INPUT)) != 0;
     }
     ~RawConsole() { restore(); }
     RawConsole(const RawConsole&) = delete;
     RawConsole& operator=(const RawConsole&) = delete;
+
+    static bool isRaw() noexcept { return isRaw_; }
 
     /// Also called at the process's end, when a key was still awaited: the system has ended all
     /// other threads by then, at any point.
@@ -51,8 +54,8 @@ public:
                 return -1;
             }
             if (taken == 0) {
-                FlushConsoleInputBuffer(
-                    console_); // what was typed in front belongs to no later line
+                // What was typed in front belongs to no later line.
+                FlushConsoleInputBuffer(console_);
                 return count;
             }
             ++count;
@@ -87,6 +90,9 @@ public:
             return lastNativeResult();
         }
         RawConsole raw(console, mode);
+        if (!RawConsole::isRaw()) {
+            return lastNativeResult();
+        }
         std::int32_t key = 0;
         do {
             const std::int32_t result = next(raw, key);

@@ -10,8 +10,10 @@
 #include "tests/lifecycle/LoadNotification.h"
 #include "tests/lifecycle/UseLibrary.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
+#include <thread>
 
 using namespace qv::face;
 
@@ -103,6 +105,29 @@ void entryStartsAndEnds() {
     CHECK(isUp());
 }
 
+void theProcessEndsThoughSomebodyWhoIsGoneHeldTheLock() {
+    std::atomic<bool> isHeld = false;
+    std::thread holder([&isHeld] {
+        g_pGlobalLock->wait();
+        isHeld = true;
+        isHeld.notify_one();
+        isHeld.wait(true);
+        g_pGlobalLock->signal();
+    });
+    isHeld.wait(false);
+    int processEnd = 0;
+    CHECK(notify(ProcessDetach, &processEnd) == 1); // comes back, and has ended nothing
+    CHECK(isUp());
+    isHeld = false;
+    isHeld.notify_one();
+    holder.join();
+    CHECK(notify(ProcessDetach, &processEnd) == 1);
+    checkDown();
+    CHECK(notify(ProcessDetach, &processEnd) == 1);
+    checkDown();
+    CHECK(notify(ProcessAttach) == 1);
+}
+
 /// Starts without memory for the allocation of that number. @return false if it was not needed.
 bool startFailsAt(int allocation) {
     allocationsLeft = allocation;
@@ -175,6 +200,7 @@ int main() {
     failedEndsDoNotCount();
     otherReasonsDoNothing();
     entryStartsAndEnds();
+    theProcessEndsThoughSomebodyWhoIsGoneHeldTheLock();
     failedStartKeepsItsCountAndWhatItReached();
     entryTakesAFailedStart();
     std::puts("passed");

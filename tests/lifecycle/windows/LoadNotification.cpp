@@ -4,7 +4,7 @@
 
 extern "C" int DllMain(void* instance, unsigned long reason, void* reserved);
 
-int notify(std::uint32_t reason) { return DllMain(nullptr, reason, nullptr); }
+int notify(std::uint32_t reason, void* reserved) { return DllMain(nullptr, reason, reserved); }
 
 Attachment::Attachment() { notify(qv::face::ProcessAttach); }
 Attachment::~Attachment() { notify(qv::face::ProcessDetach); }

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <mutex>
 
 using support::TerminalSession;
 
@@ -120,6 +121,34 @@ const support::ChildRole shareRole("share-keys-with-child", [](const std::vector
     return 0;
 });
 
+/// Forks beside a thread that holds what the program takes at a fork and that a signal comes to,
+/// and tells when that is done.
+const support::ChildRole heldForkRole("fork-beside-held-lock", [](const std::vector<std::string>&) {
+    static std::mutex held;
+    static std::atomic<bool> isHandled = false;
+    pthread_atfork([] { held.lock(); }, [] { held.unlock(); }, [] { held.unlock(); });
+    std::signal(SIGUSR1, [](int) { isHandled = true; });
+    support::tell("ready");
+    std::thread reader(support::tellKey);
+    support::awaitRawTerminal();
+    held.lock();
+    const pthread_t holder = pthread_self();
+    std::thread forker([] {
+        const pid_t child = fork();
+        if (child == 0) {
+            _exit(0);
+        }
+        waitpid(child, nullptr, 0);
+    });
+    usleep(20'000); // the fork waits for the lock by now
+    pthread_kill(holder, SIGUSR1);
+    held.unlock();
+    forker.join();
+    support::tell(isHandled ? "handled" : "lost");
+    reader.join();
+    return 0;
+});
+
 /// Types until the child has had a key too.
 void typeUntilTheChildReads(TerminalSession& session) {
     std::string line;
@@ -186,4 +215,13 @@ TEST(PosixConsoleEndTest, RestoresTheTerminalBehindAForkedChildThatReadsToo) {
     session.type(".\n"); // the other still reads, from a terminal with lines by now
     EXPECT_EQ(session.await(), 0);
     EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleEndTest, AForkThatWaitsHoldsUpNoSignal) {
+    TerminalSession session("fork-beside-held-lock");
+    EXPECT_EQ(session.readLine(), "handled");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.await(), 0);
 }

@@ -180,6 +180,96 @@ const support::ChildRole
         return 0;
     });
 
+/// Replaces the handler of SIGTERM while a key is awaited by one that calls the one that it found.
+/// Then awaits a second key.
+const support::ChildRole chainRole("chain-handlers", [](const std::vector<std::string>&) {
+    static void (*found)(int);
+    support::tell("ready");
+    QVConsoleReadKeys(
+        [](void*, std::int32_t) {
+            found = std::signal(SIGTERM, [](int signal) {
+                support::tellInHandler("first\n");
+                found(signal);
+            });
+            return 0;
+        },
+        nullptr);
+    support::tell("replaced");
+    support::tellKey();
+    return 0;
+});
+
+/// Tells a key with a handler that is meant for the first signal alone.
+const support::ChildRole onceRole("handle-the-first-signal", [](const std::vector<std::string>&) {
+    struct sigaction action = {};
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    action.sa_handler = [](int) { support::tellModeInHandler(); };
+    sigaction(SIGTERM, &action, nullptr);
+    support::tell("ready");
+    support::tellKey();
+    return 0;
+});
+
+/// Tells a key with a handler that ends the process by the signal's default.
+const support::ChildRole politeRole("end-by-default-at-last", [](const std::vector<std::string>&) {
+    std::signal(SIGTERM, [](int signal) {
+        std::signal(signal, SIG_DFL);
+        raise(signal);
+    });
+    support::tell("ready");
+    std::thread(support::tellKey).join(); // so that reader and handler are two threads
+    return 0;
+});
+
+/// Tells a key while one handler runs within another, and how the outer one finds the terminal
+/// behind the inner one.
+const support::ChildRole nestedRole("nest-handlers", [](const std::vector<std::string>&) {
+    std::signal(SIGUSR2, [](int) { support::tellModeInHandler(); });
+    std::signal(SIGUSR1, [](int) {
+        raise(SIGUSR2);
+        usleep(10'000); // time for the reader to do the wrong thing
+        support::tellModeInHandler();
+    });
+    support::tell("ready");
+    std::thread(support::tellKey).join();
+    return 0;
+});
+
+/// Tells how many of its signals have come while it tells keys.
+const support::ChildRole burstRole("tell-keys-in-a-burst", [](const std::vector<std::string>&) {
+    std::signal(SIGUSR1, [](int) {});
+    std::signal(SIGALRM, [](int) {});
+    support::tell("ready");
+    return QVConsoleReadKeys(
+        [](void*, std::int32_t key) {
+            support::tell(std::to_string(key));
+            return key == '.' ? 0 : 1;
+        },
+        nullptr);
+});
+
+/// Tells a key twice: in a child that a handler forks, and then in the parent.
+const support::ChildRole forkRole("fork-in-a-handler", [](const std::vector<std::string>&) {
+    static pid_t parent;
+    parent = getpid();
+    std::signal(SIGUSR1, [](int) {
+        const pid_t child = fork();
+        if (child != 0) {
+            waitpid(child, nullptr, 0);
+        } else {
+            support::tellInHandler("forked\n");
+        }
+    });
+    support::tell("ready");
+    QVConsoleReadKeys(
+        [](void*, std::int32_t key) {
+            support::tell((getpid() == parent ? "parent " : "child ") + std::to_string(key));
+            return 0;
+        },
+        nullptr);
+    return 0;
+});
+
 } // namespace
 
 TEST(PosixConsoleSignalTest, RestoresTheTerminalWhenASignalEndsTheProcess) {
@@ -279,4 +369,77 @@ TEST(PosixConsoleSignalTest, HandlesAsBeforeWhereItsHandlerIsSetAgain) {
     EXPECT_EQ(session.readLine(), "97");
     EXPECT_EQ(session.readLine(), "own");
     EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleSignalTest, LeavesAHandlerAloneThatCallsTheOneBeforeIt) {
+    TerminalSession session("chain-handlers");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "replaced");
+    session.awaitRaw(true);
+    session.signal(SIGTERM);
+    EXPECT_EQ(session.readLine(), "first");
+    EXPECT_EQ(WTERMSIG(session.await()), SIGTERM);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleSignalTest, HandlesTheFirstSignalAloneWhereTheProgramSaysSo) {
+    TerminalSession session("handle-the-first-signal");
+    session.awaitRaw(true);
+    session.signal(SIGTERM);
+    EXPECT_EQ(session.readLine(), "restored");
+    session.awaitRaw(true);
+    session.signal(SIGTERM);
+    EXPECT_EQ(WTERMSIG(session.await()), SIGTERM);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleSignalTest, RestoresTheTerminalWhereAHandlerEndsByTheDefault) {
+    for (int round = 0; round < 20; ++round) {
+        TerminalSession session("end-by-default-at-last");
+        session.awaitRaw(true);
+        session.signal(SIGTERM);
+        EXPECT_EQ(WTERMSIG(session.await()), SIGTERM);
+        EXPECT_TRUE(session.isRestored());
+    }
+}
+
+TEST(PosixConsoleSignalTest, KeepsTheTerminalRestoredUntilTheLastHandlerHasEnded) {
+    TerminalSession session("nest-handlers");
+    session.awaitRaw(true);
+    session.signal(SIGUSR1);
+    EXPECT_EQ(session.readLine(), "restored");
+    EXPECT_EQ(session.readLine(), "restored");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleSignalTest, LosesNoKeyInABurstOfSignals) {
+    TerminalSession session("tell-keys-in-a-burst");
+    session.awaitRaw(true);
+    for (int key = 0; key < 100; ++key) {
+        for (int signal = 0; signal < 10; ++signal) {
+            session.signal(signal % 2 == 0 ? SIGUSR1 : SIGALRM);
+        }
+        session.awaitRaw(true);
+        session.type("a");
+        EXPECT_TRUE(session.readLine().ends_with("97"));
+    }
+}
+
+TEST(PosixConsoleSignalTest, ReadsOnInAChildThatAHandlerForks) {
+    TerminalSession session("fork-in-a-handler");
+    session.awaitRaw(true);
+    session.signal(SIGUSR1);
+    EXPECT_EQ(session.readLine(), "forked");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "child 97");
+    session.awaitRaw(true);
+    session.type("b");
+    EXPECT_EQ(session.readLine(), "parent 98");
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
 }

@@ -502,6 +502,55 @@ TEST(PosixIpcTest, HasRoomForAnOpenerWhereOnlyAnEndedProcessFillsTheTable) {
     EXPECT_EQ(QVSharedMemClose(block), 0);
 }
 
+TEST(PosixIpcTest, CountsThePlacesOfAnEndedProcessThoughOthersAreFree) {
+    std::uint64_t lock = 0;
+    ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &lock), 0);
+    ASSERT_EQ(QVSemaphorePost(lock), 0);
+    EXPECT_EQ(inFork([lock] { return QVSemaphoreWait(lock) == 0 ? 0 : 1; }), 0);
+    std::int32_t value = 0;
+    EXPECT_EQ(QVSemaphoreGetValue(lock, &value), 0);
+    EXPECT_EQ(value, 2);
+    EXPECT_EQ(QVNamedSemClose(lock), 0);
+}
+
+/// Goes on as another program while it holds the lock of that name.
+const support::ChildRole goingOn("go-on-with-lock", [](const std::vector<std::string>& arguments) {
+    std::uint64_t lock = 0;
+    if (QVNamedSemOpen(arguments[0].c_str(), 1, &lock) == 0 && QVSemaphoreWait(lock) == 0) {
+        execl(support::programPath().c_str(), support::programPath().c_str(), "--child",
+              arguments[1].c_str(), arguments[0].c_str(), nullptr);
+    }
+    return 1;
+});
+
+const support::ChildRole another("be-another-program", [](const std::vector<std::string>&) {
+    support::tell("going on");
+    support::hear();
+    return 0;
+});
+
+const support::ChildRole again("take-lock-again", [](const std::vector<std::string>& arguments) {
+    std::uint64_t lock = 0;
+    const bool isOpen = QVNamedSemOpen(arguments[0].c_str(), 1, &lock) == 0;
+    support::tell(isOpen && QVSemaphoreTryWait(lock) == 0 ? "taken" : "held");
+    return 0;
+});
+
+TEST(PosixIpcTest, TakesBackWhatAProcessHeldThatGoesOnAsAnotherProgram) {
+    std::uint64_t lock = 0;
+    ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &lock), 0);
+    support::TestProcess process("go-on-with-lock", {uniqueName(), "be-another-program"});
+    EXPECT_EQ(process.readLine(), "going on");
+    EXPECT_EQ(QVSemaphoreTryWait(lock), 0);
+    EXPECT_EQ(QVNamedSemClose(lock), 0);
+}
+
+TEST(PosixIpcTest, AProgramDoesNotHoldWhatTheOneBeforeItHeld) {
+    support::TestProcess process("go-on-with-lock", {uniqueName(), "take-lock-again"});
+    EXPECT_EQ(process.readLine(), "taken");
+    EXPECT_EQ(process.wait(), 0);
+}
+
 TEST(PosixIpcTest, FreesWhatAZombieHolds) {
     std::uint64_t lock = 0;
     ASSERT_EQ(QVNamedSemOpen(uniqueName().c_str(), 1, &lock), 0);
