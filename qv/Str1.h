@@ -170,12 +170,16 @@ class QV_API Str1Copy : public Str1 {
 public:
     explicit Str1Copy(const String& text) { copy(text); }
     explicit Str1Copy(const char16_t* text, int length = -1) { copy(text, length); }
+
+    using Str1::operator=;
 };
 
 /// A light string over an array of the caller's, which must outlive every string that shares it.
 class QV_API Str1Wrap : public Str1 {
 public:
     Str1Wrap(const char16_t* text, int length, unsigned int capacity);
+
+    using Str1::operator=;
 };
 
 /// A light string over text in static storage: it is never written in place.
@@ -186,6 +190,8 @@ public:
     Str1Static(const Str1Static&) = delete;
     Str1Static& operator=(const Str1Static&) = delete;
     ~Str1Static() override { reset(); }
+
+    using Str1::operator=;
 
 private:
     StrBuf1Static store_;

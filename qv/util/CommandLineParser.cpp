@@ -256,9 +256,9 @@ void CommandLineParser::takeFollowingValues(Element& element, char16_t*& cursor)
         return;
     }
     for (int missing = definition->getExpectedValueCount(); missing > 0; --missing) {
-        const char16_t* const value = nextToken(cursor, blank);
+        const char16_t* const value = nextLineToken(cursor);
         if (value == nullptr || isSwitch(*value)) {
-            return; // kept: a token that opens an option is lost here
+            return; // kept: an option is lost here, with what stands behind its `=`
         }
         element.addValue(value);
     }

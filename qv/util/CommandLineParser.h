@@ -19,8 +19,8 @@ class OptionDefinition;
 /// fails.
 ///
 /// Kept: quotes are honoured only directly behind the single blank that ended the token before; a
-/// token that opens an option where a value was expected is lost; quotes do not protect a switch
-/// character.
+/// token that opens an option where a value was expected is lost, with all that stands behind its
+/// `=`; quotes do not protect a switch character.
 ///
 /// Thread safety: const-safe.
 class QV_API CommandLineParser : public Object {

@@ -1,4 +1,5 @@
 #include "qv/Class.h"
+#include "qv/ClassManager.h"
 #include "qv/Exceptions.h"
 #include "qv/String.h"
 #include "qv/io/BufferedInputStream.h"
@@ -348,17 +349,40 @@ TEST(ClassTableTest, NamesBelongToTheirTypes) {
     }
 }
 
+template <class Table>
+bool holdsName(const Table& table, const String& name) {
+    return std::any_of(std::begin(table), std::end(table),
+                       [&](const auto& row) { return name.equals(row.name); });
+}
+
 TEST(ClassTableTest, EveryClassThatExistsHasItsType) {
     for (const Row& row : rows) {
         const String name(row.name);
-        const bool listed =
-            std::any_of(std::begin(types), std::end(types),
-                        [&](const TypeRow& type) { return name.equals(type.name); });
+        const bool listed = holdsName(types, name);
         const bool absent =
             (" " + std::string(missing)).find(" " + std::string(name.getBytes()) + " ") !=
             std::string::npos;
         EXPECT_NE(listed, absent) << name.getBytes();
     }
+}
+
+/// What the tests of this program have registered for themselves.
+bool isOfTests(const String& name) { return name.startsWith(u"test::"); }
+
+TEST(ClassTableTest, HoldsNoOtherNames) {
+    int names = 0;
+    ClassManager::getInstance()->forEach(
+        [](const Class& record, void* context) {
+            const String name(record.getName());
+            if (isOfTests(name)) {
+                return;
+            }
+            EXPECT_TRUE(holdsName(rows, name)) << name.getBytes();
+            EXPECT_TRUE(holdsName(types, name)) << name.getBytes();
+            ++*static_cast<int*>(context);
+        },
+        &names);
+    EXPECT_EQ(static_cast<std::size_t>(names), std::size(types));
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 using namespace qv;
@@ -438,8 +439,11 @@ TEST(Str1FormsTest, LocalWritesTheCallersArrayAndComesHome) {
     text.append(u'x', 20);
     EXPECT_NE(text.getData1(), memory);
     EXPECT_EQ(text.getLength(), 24);
+    const Str1 away(text);
     text.copy(u"home");
     EXPECT_EQ(units(text), u"home");
+    EXPECT_EQ(text.getData1(), memory);
+    EXPECT_EQ(away.getLength(), 24);
     const Str1 sharer(text);
     text.append(u"!");
     EXPECT_EQ(units(sharer), u"home");
@@ -474,15 +478,66 @@ TEST(Str1FormsTest, TextStaysAwayWhileAnotherHoldsItsHome) {
     EXPECT_EQ(away.getLength(), 204);
 }
 
-TEST(Str1FormsTest, FixedTakesEverySource) {
-    Str1Fixed<128> text(u"abc");
+/// Assigns a text of every kind to a form that holds "abc".
+template <class Form>
+void expectTakesEverySource(Form& text) {
     EXPECT_EQ(units(text), u"abc");
     text = String(u"string");
     EXPECT_EQ(units(text), u"string");
     text = u"units";
     EXPECT_EQ(units(text), u"units");
-    text = Str1Copy(u"light");
+    const Str1 light = Str1Copy(u"light");
+    text = light;
     EXPECT_EQ(units(text), u"light");
+    EXPECT_TRUE(shares(text, light));
+    text = u"other";
+    EXPECT_EQ(units(text), u"other");
+    EXPECT_EQ(units(light), u"light");
+}
+
+TEST(Str1FormsTest, CopyTakesEverySource) {
+    Str1Copy text(u"abc");
+    expectTakesEverySource(text);
+}
+
+TEST(Str1FormsTest, WrapTakesEverySource) {
+    char16_t memory[16] = u"abc";
+    Str1Wrap text(memory, -1, 16);
+    expectTakesEverySource(text);
+}
+
+TEST(Str1FormsTest, StaticTakesEverySourceAndKeepsItsText) {
+    static const char16_t literal[] = u"abc";
+    Str1Static text(literal);
+    expectTakesEverySource(text);
+    EXPECT_EQ(std::u16string(literal), u"abc");
+}
+
+TEST(Str1FormsTest, LocalTakesEverySource) {
+    char16_t memory[16] = u"abc";
+    Str1Local text(memory, -1, 16);
+    expectTakesEverySource(text);
+}
+
+TEST(Str1FormsTest, FixedTakesEverySource) {
+    Str1Fixed<128> text(u"abc");
+    expectTakesEverySource(text);
+}
+
+TEST(Str1FormsTest, FormsOfOneKindShareUnlessTheirStoreLiesInside) {
+    const Str1Copy copy(u"copy");
+    Str1Copy otherCopy(u"other");
+    otherCopy = copy;
+    EXPECT_TRUE(shares(otherCopy, copy));
+    char16_t memory[16] = u"wrap";
+    const Str1Wrap wrap(memory, -1, 16);
+    Str1Wrap otherWrap(memory, 0, 16);
+    otherWrap = wrap;
+    EXPECT_TRUE(shares(otherWrap, wrap));
+    EXPECT_EQ(storeOf(otherWrap), storeOf(wrap));
+    static_assert(!std::is_copy_assignable_v<Str1Static>);
+    static_assert(!std::is_copy_assignable_v<Str1Local>);
+    static_assert(!std::is_copy_assignable_v<Str1Fixed<128>>);
 }
 
 // --- Appendor ---

@@ -511,6 +511,13 @@ TEST(StringValueTest, IntegersAreWrittenInDecimal) {
     EXPECT_EQ(String::valueOf(std::numeric_limits<std::uint64_t>::max()), u"18446744073709551615");
 }
 
+TEST(StringValueTest, LongsAreWrittenWholeWhateverTheirSize) {
+    constexpr auto greatest = std::numeric_limits<unsigned long>::max();
+    EXPECT_EQ(String::valueOf(greatest).getBytes(u"UTF-8"), std::to_string(greatest));
+    constexpr auto least = std::numeric_limits<long>::min();
+    EXPECT_EQ(String::valueOf(least).getBytes(u"UTF-8"), std::to_string(least));
+}
+
 TEST(StringValueTest, FloatingNumbersHaveSixDigits) {
     const support::LocaleScope locale(LC_NUMERIC, "C");
     EXPECT_EQ(String::valueOf(0.5), u"0.5");

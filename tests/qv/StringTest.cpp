@@ -204,6 +204,19 @@ TEST(StringTest, MoveLeavesAnEmptyString) {
     EXPECT_EQ(text, u""); // NOLINT: the state is laid down
 }
 
+TEST(StringTest, MoveLeavesNoNarrowForm) {
+    String text(u"text");
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "text");
+    String moved(std::move(text));
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), ""); // NOLINT: the state is laid down
+    EXPECT_STREQ(moved.getBytes(u"UTF-8"), "text");
+    String assigned(u"old");
+    EXPECT_STREQ(assigned.getBytes(u"UTF-8"), "old");
+    assigned = std::move(moved);
+    EXPECT_STREQ(moved.getBytes(u"UTF-8"), ""); // NOLINT: the state is laid down
+    EXPECT_STREQ(assigned.getBytes(u"UTF-8"), "text");
+}
+
 // --- Sharing and separation ---
 
 TEST(StringTest, WritingToACopyLeavesTheSource) {
@@ -277,6 +290,17 @@ TEST(StringTest, SetAddRefLeavesAStaleNarrowForm) {
     String text(u"old");
     const char* const bytes = text.getBytes(u"UTF-8");
     text.setAddRef(String(u"new text"));
+    EXPECT_EQ(text.getBytes(u"UTF-8"), bytes);
+    EXPECT_STREQ(bytes, "old");
+    text.append(u"!");
+    EXPECT_STREQ(text.getBytes(u"UTF-8"), "new text!");
+}
+
+TEST(StringTest, SetToThatWrapsLeavesAStaleNarrowForm) {
+    String text(u"old");
+    const char* const bytes = text.getBytes(u"UTF-8");
+    text.setTo(String::ACQUIRE_WRAP, u"new text", -1);
+    EXPECT_EQ(text, u"new text");
     EXPECT_EQ(text.getBytes(u"UTF-8"), bytes);
     EXPECT_STREQ(bytes, "old");
     text.append(u"!");

@@ -32,7 +32,7 @@ public:
     }
 
     static const char16_t* registered() {
-        constexpr const char16_t* className = u"OutputStreamWriterTest::OutsideEncoder";
+        constexpr const char16_t* className = u"test::OutsideEncoder";
         ClassManager::getInstance()->registerClass(className, &typeid(OutsideEncoder),
                                                    []() -> Object* { return new OutsideEncoder; });
         text::charset::CodecManager::getInstance()->registerCodec(u"x-outside", className,

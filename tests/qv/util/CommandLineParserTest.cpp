@@ -231,6 +231,33 @@ TEST_F(DefinedOptionTest, LosesAQuotedTokenThatOpensAnOptionToo) {
     EXPECT_EQ(parse(u"-o a /b c"), "o(a) c");
 }
 
+TEST_F(DefinedOptionTest, LosesAllValuesOfAnOptionThatItMeets) {
+    EXPECT_EQ(parse(u"-o a -b=\"x y\" c"), "o(a) c");
+    EXPECT_EQ(parse(u"-o a /b=1,\"x y\" c"), "o(a) c");
+    EXPECT_EQ(parse(u"-o a  -b=\"x y\" c"), "o(a) c") << "behind any blanks";
+    EXPECT_EQ(parse(u"-o a -b=x\"y z\" c"), "o(a) z\" c") << "this quote protects no blank";
+}
+
+TEST_F(DefinedOptionTest, TakesAValueWithAnEqualsSignAsItStands) {
+    EXPECT_EQ(parse(u"-o a=\"x y\" c"), "o(a=\"x|y\") c");
+    EXPECT_EQ(parse(u"-o \"a=x y\" c d"), "o(a=x y|c) d");
+    EXPECT_EQ(parse(u"-o a  \"x y\" c"), "o(a|\"x) y\" c") << "a quote behind a second blank";
+}
+
+TEST(CommandLineParserTest, DefinitionOfANameWithASwitchCharacterMeetsNoOption) {
+    CommandLineParser parser;
+    parser.defineOption(u"-o", 1, u"d");
+    parser.parse(u"-o a");
+    EXPECT_EQ(written(parser), "o() a") << "names are taken as they stand";
+    EXPECT_TRUE(parser.isPresent(u"o"));
+    EXPECT_FALSE(parser.isPresent(u"-o"));
+    const Reference<CommandLineParser::Element> definition = parser.getOption(u"-o");
+    ASSERT_TRUE(definition);
+    EXPECT_EQ(definition->getName(), u"-o");
+    EXPECT_EQ(definition->getPosition(), -1);
+    EXPECT_EQ(definition->getValueString(0), u"d");
+}
+
 TEST_F(DefinedOptionTest, NamesThatDifferInCaseAreTwoUntilCaseIsIgnored) {
     parser.defineOption(u"O", 0, u"upper");
     parse(u"");
