@@ -7,6 +7,7 @@
 #include "qv/detail/Units.h"
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
+#include "qv/text/charset/detail/Surrogates.h"
 #include "qv/util/BufferLocks.h"
 #include "qvcore/Text.h"
 
@@ -406,9 +407,15 @@ std::int32_t Str1::convertToAZ(char* out, int size, const char16_t* encoding, in
     }
     return withEncoder(encoding, [&](CharToByteConverter& encoder) {
         int bytes = 0;
-        const std::int32_t result = convertToA(out, size - 1, encoder, &bytes, position);
+        int end = position != nullptr ? *position : 0;
+        const std::int32_t result = convertToA(out, size - 1, encoder, &bytes, &end);
         if (result >= 0) {
             out[bytes] = 0;
+        }
+        if (position != nullptr) {
+            const bool isInPair = result == QV_E_BUFFERTOOSMALL && end > std::max(*position, 0) &&
+                                  text::charset::detail::isLeading(getData0()[end - 1]);
+            *position = isInPair ? end - 1 : end; // this encoder's first half is nobody's now
         }
         if (written != nullptr) {
             *written = bytes;

@@ -99,7 +99,8 @@ public:
     /// Stores the size of the narrow form from `start` on, without a terminator.
     std::int32_t getLengthA(int* bytes, const char16_t* encoding = nullptr, int start = 0) const;
     /// Writes the narrow form and a terminating 0 byte. `*written` counts the bytes before it;
-    /// `*position` is where to begin and then where it ended. Both may be null.
+    /// `*position` is where to begin and then where it ended, in front of a pair that was cut. Both
+    /// may be null.
     /// @return 0; QV_E_INVALIDARG for no room at all; QV_E_BUFFERTOOSMALL for a text that was cut,
     /// which
     ///     then has no terminator; the result of the encoder's exception.

@@ -15,9 +15,12 @@ std::size_t convert(const char* to, const char* from, std::string_view input, Ou
     std::size_t inLeft = input.size();
     char* outStart = reinterpret_cast<char*>(out.data());
     std::size_t outLeft = out.size() * sizeof out[0];
-    const std::size_t result = iconv(converter, &in, &inLeft, &outStart, &outLeft);
+    for (std::size_t before = 0; inLeft != before;) {
+        before = inLeft;
+        iconv(converter, &in, &inLeft, &outStart, &outLeft); // stops behind what has no form
+    }
     iconv_close(converter);
-    if (result == static_cast<std::size_t>(-1)) {
+    if (inLeft != 0) {
         throw std::runtime_error("iconv");
     }
     return out.size() - outLeft / sizeof out[0];
@@ -35,7 +38,7 @@ std::string_view asBytes(std::u16string_view units) {
                 return convert("UTF-16LE", name, bytes, out);
             },
             [name](std::u16string_view units, std::string& out) {
-                const std::string to = std::string(name) + "//TRANSLIT";
+                const std::string to = std::string(name) + "//IGNORE"; // what has no form
                 return convert(to.c_str(), "UTF-16LE", asBytes(units), out);
             });
     }

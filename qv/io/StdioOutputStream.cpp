@@ -35,7 +35,7 @@ void StdioFileOutputStream::flush() { detail::flush(file_); }
 
 void StdioFileOutputStream::close() {
     if (owned_ && file_ != nullptr) {
-        std::fclose(std::exchange(file_, nullptr));
+        QVStreamClose(std::exchange(file_, nullptr));
     }
     owned_ = false;
 }

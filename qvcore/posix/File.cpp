@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <optional>
+#include <stdio_ext.h>
 #include <sys/stat.h>
 
 namespace qv::core {
@@ -54,6 +55,21 @@ bool isPipeOrSocket(int descriptor) noexcept {
     struct stat status = {};
     return fstat(descriptor, &status) == 0 &&
            (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
+}
+
+/// Whether a byte more makes a runtime stream bring its buffer out.
+bool mayBringOut(std::FILE* file, std::uint8_t byte) noexcept {
+    return __fpending(file) + 1 >= __fbufsize(file) || (byte == '\n' && __flbf(file) != 0);
+}
+
+/// Runs a call of the runtime library that may write to what is behind its stream.
+template <class Call>
+std::int32_t broughtOut(std::FILE* file, Call call) noexcept {
+    std::optional<PipeSignalBlock> block;
+    if (isPipeOrSocket(fileno(file))) {
+        block.emplace();
+    }
+    return call() == EOF ? lastNativeResult() : QV_S_OK;
 }
 
 std::int32_t openFile(const std::string& path, std::uint32_t access, std::uint32_t permissions,
@@ -222,6 +238,30 @@ std::int32_t QVStreamSeek64(void* stream, std::int64_t offset, std::int32_t orig
         return lastNativeResult();
     }
     return QV_S_OK;
+}
+
+std::int32_t QVStreamPut(void* stream, std::uint8_t byte) noexcept {
+    auto* const file = static_cast<std::FILE*>(stream);
+    if (file == nullptr) {
+        return QV_E_INVALIDHANDLE;
+    }
+    const auto put = [=] { return std::fputc(byte, file); };
+    if (mayBringOut(file, byte)) {
+        return broughtOut(file, put);
+    }
+    return put() == EOF ? lastNativeResult() : QV_S_OK;
+}
+
+std::int32_t QVStreamFlush(void* stream) noexcept {
+    auto* const file = static_cast<std::FILE*>(stream);
+    return file == nullptr ? QV_E_INVALIDHANDLE
+                           : broughtOut(file, [=] { return std::fflush(file); });
+}
+
+std::int32_t QVStreamClose(void* stream) noexcept {
+    auto* const file = static_cast<std::FILE*>(stream);
+    return file == nullptr ? QV_E_INVALIDHANDLE
+                           : broughtOut(file, [=] { return std::fclose(file); });
 }
 
 std::int32_t QVStreamWriteDirect(void* stream, const void* bytes, std::uint32_t length) noexcept {

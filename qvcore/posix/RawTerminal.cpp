@@ -6,13 +6,13 @@
 #include "qvcore/posix/TerminalLock.h"
 
 #include <algorithm>
-#include <atomic>
 #include <iterator>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 namespace qv::core {
 
@@ -30,12 +30,22 @@ int pauses = 0;          ///< handlers that run
 bool isEnding = false;   ///< the process, by `endingThread`
 pthread_t endingThread;
 
-/// An event at which the reader looks anew at what it may do. Made by the first reader, for good.
-std::atomic<int> wakeEvent = -1;
+/// At this event the reader looks anew at what it may do. -1 while nobody reads.
+int wakeEvent = -1;
 
+/// Requires: the TerminalLock.
 void wakeReader() noexcept {
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(wakeEvent, &one, sizeof one);
+    if (wakeEvent != -1) {
+        const std::uint64_t one = 1;
+        [[maybe_unused]] const ssize_t written = write(wakeEvent, &one, sizeof one);
+    }
+}
+
+/// Requires: the TerminalLock.
+void closeEvent() noexcept {
+    if (wakeEvent != -1) {
+        close(std::exchange(wakeEvent, -1));
+    }
 }
 
 /// Waits until the reader is to look anew, or for input where that is asked for.
@@ -166,12 +176,12 @@ std::int32_t takeKey(bool isHungUp, std::int32_t& key) noexcept {
 RawTerminal::~RawTerminal() {
     const TerminalLock lock;
     restore();
+    closeEvent();
 }
 
 std::int32_t RawTerminal::open() noexcept {
-    if (wakeEvent == -1) {
-        wakeEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    }
+    const TerminalLock lock;
+    wakeEvent = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     return wakeEvent == -1 ? lastNativeResult() : QV_S_OK;
 }
 
@@ -208,28 +218,22 @@ void RawTerminal::pause() noexcept {
 }
 
 void RawTerminal::resume() noexcept {
-    {
-        const TerminalLock lock;
-        pauses -= pauses > 0 ? 1 : 0; // a child that the handler forked has none
-    }
+    const TerminalLock lock;
+    pauses -= pauses > 0 ? 1 : 0; // a child that the handler forked has none
     wakeReader();
 }
 
 void RawTerminal::doubt() noexcept {
-    {
-        const TerminalLock lock;
-        isDoubtful = true;
-    }
+    const TerminalLock lock;
+    isDoubtful = true;
     wakeReader();
 }
 
 void RawTerminal::end() noexcept {
-    {
-        const TerminalLock lock;
-        isEnding = true;
-        endingThread = pthread_self();
-        restore();
-    }
+    const TerminalLock lock;
+    isEnding = true;
+    endingThread = pthread_self();
+    restore();
     wakeReader();
 }
 
@@ -237,9 +241,7 @@ void RawTerminal::forget() noexcept {
     isRaw = false;
     pauses = 0;
     isEnding = isEnding && pthread_equal(endingThread, pthread_self());
-    if (const int inherited = wakeEvent.exchange(-1); inherited != -1) {
-        close(inherited); // it is the parent's
-    }
+    closeEvent(); // it is the parent's
 }
 
 } // namespace qv::core

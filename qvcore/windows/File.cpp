@@ -110,6 +110,16 @@ std::int32_t streamResult() noexcept {
     }
 }
 
+/// The result of a call of the runtime library for that stream, which says EOF where it fails.
+template <class Call>
+std::int32_t streamCall(void* stream, Call call) noexcept {
+    if (stream == nullptr) {
+        return QV_E_INVALIDHANDLE;
+    }
+    clearStreamError();
+    return call(static_cast<std::FILE*>(stream)) == EOF ? streamResult() : QV_S_OK;
+}
+
 } // namespace
 
 } // namespace qv::core
@@ -276,6 +286,18 @@ std::int32_t QVStreamSeek64(void* stream, std::int64_t offset, std::int32_t orig
         return _doserrno != NO_ERROR ? seekResult(_doserrno) : streamResult();
     }
     return QV_S_OK;
+}
+
+std::int32_t QVStreamPut(void* stream, std::uint8_t character) noexcept {
+    return streamCall(stream, [character](std::FILE* file) { return std::fputc(character, file); });
+}
+
+std::int32_t QVStreamFlush(void* stream) noexcept {
+    return streamCall(stream, [](std::FILE* file) { return std::fflush(file); });
+}
+
+std::int32_t QVStreamClose(void* stream) noexcept {
+    return streamCall(stream, [](std::FILE* file) { return std::fclose(file); });
 }
 
 std::int32_t QVStreamWriteDirect(void* stream, const void* bytes, std::uint32_t length) noexcept {

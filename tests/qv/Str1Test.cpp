@@ -1038,6 +1038,41 @@ TEST(Str1BytesTest, CutTextHasNoTerminator) {
     EXPECT_STREQ(out, "abc");
 }
 
+TEST(Str1BytesTest, CutTextGoesOnWhereItWasCut) {
+    const Str1Copy text(u"ab\U0001F600c\U0001F600");
+    const std::pair<const char16_t*, std::string> forms[] = {
+        {u"UTF-8", "ab\xF0\x9F\x98\x80"
+                   "c\xF0\x9F\x98\x80"},
+        {u"CP1252", "ab?c?"},
+        {u"AMP-7", "ab&_1F600;c&_1F600;"},
+    };
+    for (const auto& [encoding, expected] : forms) {
+        for (int size = 9; size < 20; ++size) {
+            std::string whole;
+            std::int32_t result = QV_E_BUFFERTOOSMALL;
+            for (int position = 0; result == QV_E_BUFFERTOOSMALL;) {
+                char out[20] = {};
+                int written = 0;
+                result = text.convertToAZ(out, size, encoding, &written, &position);
+                ASSERT_TRUE(written > 0 || result == 0);
+                whole.append(out, static_cast<std::size_t>(written));
+            }
+            EXPECT_EQ(result, 0);
+            EXPECT_EQ(whole, expected) << size;
+        }
+    }
+}
+
+TEST(Str1BytesTest, APairWithoutRoomIsNotPassed) {
+    char out[4] = {};
+    int written = -1;
+    int position = 0;
+    EXPECT_EQ(Str1Copy(u"\U0001F600").convertToAZ(out, sizeof out, u"UTF-8", &written, &position),
+              QV_E_BUFFERTOOSMALL);
+    EXPECT_EQ(written, 0);
+    EXPECT_EQ(position, 0);
+}
+
 TEST(Str1BytesTest, RoomForOneByteTakesNothingOfAText) {
     char out[1] = {'x'};
     int written = -1;
@@ -1060,6 +1095,22 @@ TEST(Str1BytesTest, NoRoomIsABadArgument) {
     EXPECT_EQ(Str1Copy(u"a").convertToAZ(nullptr, 5), QV_E_INVALIDARG);
     EXPECT_EQ(Str1Copy(u"a").convertToAZ(out, 0), QV_E_INVALIDARG);
     EXPECT_EQ(Str1Copy(u"a").convertToAZ(out, 1, u"no such"), QV_E_UNKNOWNENCODING);
+}
+
+TEST(Str1BytesTest, ArrayIsGivenAway) {
+    OwningArray<char> first = Str1Copy(u"first").getBytesAZ(u"UTF-8");
+    const char* const array = first.get();
+    OwningArray<char> moved(std::move(first));
+    EXPECT_EQ(moved.get(), array);
+    EXPECT_EQ(first.get(), nullptr);
+    OwningArray<char> second = Str1Copy(u"second").getBytesAZ(u"UTF-8");
+    second = std::move(moved);
+    EXPECT_EQ(second.get(), array);
+    EXPECT_EQ(moved.get(), nullptr);
+    const std::unique_ptr<char[]> taken(second.detach());
+    EXPECT_EQ(taken.get(), array);
+    EXPECT_EQ(second.get(), nullptr);
+    EXPECT_STREQ(taken.get(), "first");
 }
 
 TEST(Str1BytesTest, BytesComeInAnArrayThatFreesItself) {

@@ -188,6 +188,25 @@ TEST(StringTest, SystemWideTextIsTaken) {
     EXPECT_EQ(String(L""), u"");
 }
 
+/// True where the system's wide text is what a string holds.
+template <class Text>
+constexpr bool handsOutWideText = requires(const Text& text) {
+    text.getWideData();
+};
+
+template <class Text>
+void expectWideText([[maybe_unused]] const Text& text, [[maybe_unused]] const wchar_t* expected) {
+    if constexpr (handsOutWideText<Text>) {
+        EXPECT_EQ(std::wstring(text.getWideData()), expected);
+        EXPECT_EQ(static_cast<const void*>(text.getWideData()), text.getData());
+    }
+}
+
+TEST(StringTest, SystemWideTextIsHandedOutWhereItsUnitsAreTheStrings) {
+    EXPECT_EQ(handsOutWideText<String>, sizeof(wchar_t) == sizeof(char16_t));
+    expectWideText(String(u"aé"), L"aé");
+}
+
 TEST(StringTest, ComponentNameMakesStringsByValue) {
     const String text(u"text");
     EXPECT_TRUE(shares(CQVString::create(text), text));

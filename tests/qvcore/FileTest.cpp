@@ -371,11 +371,24 @@ TEST_F(FileTest, IsSoughtThroughARuntimeStream) {
     std::fclose(stream);
 }
 
+TEST_F(FileTest, IsWrittenThroughTheBufferOfItsRuntimeStream) {
+    std::FILE* const stream = std::fopen(systemPath().string().c_str(), "wb");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(QVStreamPut(stream, 'a'), 0);
+    EXPECT_EQ(contents(systemPath()), "");
+    EXPECT_EQ(QVStreamFlush(stream), 0);
+    EXPECT_EQ(contents(systemPath()), "a");
+    EXPECT_EQ(QVStreamPut(stream, 0xFF), 0);
+    EXPECT_EQ(QVStreamClose(stream), 0);
+    EXPECT_EQ(contents(systemPath()), "a\xFF") << "no failure, though it looks like one";
+}
+
 TEST_F(FileTest, IsNotWrittenThroughARuntimeStreamForReading) {
     make("hello");
     std::FILE* const stream = std::fopen(systemPath().string().c_str(), "rb");
     ASSERT_NE(stream, nullptr);
     EXPECT_LT(QVStreamWriteDirect(stream, "x", 1), 0);
+    EXPECT_LT(QVStreamPut(stream, 'x'), 0);
     std::fclose(stream);
     EXPECT_EQ(contents(systemPath()), "hello");
 }
@@ -383,6 +396,9 @@ TEST_F(FileTest, IsNotWrittenThroughARuntimeStreamForReading) {
 TEST(StreamTest, RefusesNullArguments) {
     EXPECT_EQ(QVStreamTell64(nullptr), -1);
     EXPECT_EQ(QVStreamSeek64(nullptr, 0, 0), invalidHandle);
+    EXPECT_EQ(QVStreamPut(nullptr, 'x'), invalidHandle);
+    EXPECT_EQ(QVStreamFlush(nullptr), invalidHandle);
+    EXPECT_EQ(QVStreamClose(nullptr), invalidHandle);
     EXPECT_EQ(QVStreamWriteDirect(nullptr, "x", 1), invalidHandle);
     EXPECT_EQ(QVStreamWriteDirect(stdout, nullptr, 1), nullOutput);
 }

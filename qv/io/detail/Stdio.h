@@ -9,7 +9,7 @@
 namespace qv::io::detail {
 
 inline void writeByte(std::FILE* file, signed char byte) {
-    if (file == nullptr || std::fputc(static_cast<unsigned char>(byte), file) == EOF) {
+    if (QVStreamPut(file, static_cast<std::uint8_t>(byte)) < 0) {
         throw IoException(u"stream write error");
     }
 }
@@ -28,7 +28,7 @@ inline void writeBlock(std::FILE* file, const signed char* bytes, std::int32_t l
 }
 
 inline void flush(std::FILE* file) {
-    if (file == nullptr || std::fflush(file) != 0) {
+    if (QVStreamFlush(file) < 0) {
         throw IoException(u"stream flush error");
     }
 }

@@ -7,10 +7,14 @@
 #include "tests/support/posix/TerminalRole.h"
 #include "tests/support/posix/TerminalSession.h"
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <mutex>
+#include <sys/mman.h>
+#include <sys/stat.h>
 
 using support::TerminalSession;
 
@@ -149,6 +153,27 @@ const support::ChildRole heldForkRole("fork-beside-held-lock", [](const std::vec
     return 0;
 });
 
+/// Closes all descriptors behind a key, as a program does that tidies up, and opens files. Tells at
+/// the exit whether they are as they were.
+const support::ChildRole tidyRole("tidy-up-behind-a-key", [](const std::vector<std::string>&) {
+    static std::array<int, 10> files;
+    std::atexit([] {
+        const bool areEmpty = std::all_of(files.begin(), files.end(), [](int file) {
+            struct stat status = {};
+            return fstat(file, &status) == 0 && status.st_size == 0;
+        });
+        support::tell(areEmpty ? "empty" : "written to");
+    });
+    support::tell("ready");
+    support::tellKey();
+    for (int descriptor = STDERR_FILENO + 1; descriptor < 100; ++descriptor) {
+        close(descriptor);
+    }
+    std::generate(files.begin(), files.end(), [] { return memfd_create("file", 0); });
+    support::tellKey();
+    return 0;
+});
+
 /// Types until the child has had a key too.
 void typeUntilTheChildReads(TerminalSession& session) {
     std::string line;
@@ -223,5 +248,17 @@ TEST(PosixConsoleEndTest, AForkThatWaitsHoldsUpNoSignal) {
     session.awaitRaw(true);
     session.type("a");
     EXPECT_EQ(session.readLine(), "97");
+    EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleEndTest, UsesNoDescriptorBehindTheRead) {
+    TerminalSession session("tidy-up-behind-a-key");
+    session.awaitRaw(true);
+    session.type("a");
+    EXPECT_EQ(session.readLine(), "97");
+    session.awaitRaw(true);
+    session.type("b");
+    EXPECT_EQ(session.readLine(), "98");
+    EXPECT_EQ(session.readLine(), "empty");
     EXPECT_EQ(session.await(), 0);
 }
