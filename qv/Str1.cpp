@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <cassert>
 #include <limits>
+#include <memory>
+#include <span>
 
 namespace qv {
 
@@ -378,6 +380,17 @@ std::int32_t withEncoder(const char16_t* encoding, Work work) {
     return failure < 0 ? failure : result;
 }
 
+/// Whether the encoder, from the beginning, makes that many bytes of the text.
+bool encodes(CharToByteConverter& encoder, std::span<const char16_t> text, int bytes) {
+    const auto out = std::make_unique_for_overwrite<signed char[]>(static_cast<std::size_t>(bytes));
+    std::int32_t consumed = 0;
+    std::int32_t written = 0;
+    encoder.reset();
+    encoder.convert(text.data(), &consumed, static_cast<int>(text.size()), out.get(), &written,
+                    bytes);
+    return written == bytes && consumed == static_cast<int>(text.size());
+}
+
 } // namespace
 
 std::int32_t Str1::getLengthA(int* bytes, const char16_t* encoding, int start) const {
@@ -413,9 +426,13 @@ std::int32_t Str1::convertToAZ(char* out, int size, const char16_t* encoding, in
             out[bytes] = 0;
         }
         if (position != nullptr) {
-            const bool isInPair = result == QV_E_BUFFERTOOSMALL && end > std::max(*position, 0) &&
+            const int begin = std::max(*position, 0);
+            const bool isInPair = result == QV_E_BUFFERTOOSMALL && end > begin &&
                                   text::charset::detail::isLeading(getData0()[end - 1]);
-            *position = isInPair ? end - 1 : end; // this encoder's first half is nobody's now
+            // What the encoder has kept of a pair ends with it; what it has written is written.
+            const bool isKept =
+                isInPair && encodes(encoder, {getData0() + begin, getData0() + end - 1}, bytes);
+            *position = isKept ? end - 1 : end;
         }
         if (written != nullptr) {
             *written = bytes;

@@ -201,6 +201,12 @@ private:
 /// Base of the light strings with a store inside the object. A text that moved to the heap comes
 /// home when a later one fits. Requires: strings that share the inner store end before it.
 class QV_API Str1Embedded : public Str1 {
+public:
+    Str1Embedded(const Str1Embedded&) = delete;
+    Str1Embedded& operator=(const Str1Embedded&) = delete;
+
+    using Str1::operator=;
+
 protected:
     explicit Str1Embedded(StrBuf1& embedded) noexcept : embedded_(&embedded) {}
 

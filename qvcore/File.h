@@ -48,8 +48,9 @@ QVCORE_API uint64_t QVFileGetStandard(int32_t which) QVCORE_NOEXCEPT;
 QVCORE_API int64_t QVStreamTell64(void* stream) QVCORE_NOEXCEPT;
 /// Moves the position of a runtime stream; `origin` as for QVFileSeek64.
 QVCORE_API int32_t QVStreamSeek64(void* stream, int64_t offset, int32_t origin) QVCORE_NOEXCEPT;
-/// Writes a byte to a runtime stream, through its buffer. This and the following raise no signal
-/// where they bring bytes to a pipe that nobody reads.
+/// Writes a byte to a runtime stream, through its buffer. This and the following fail as the
+/// runtime library does, also where it is interrupted, and raise no signal where they bring bytes
+/// to a pipe that nobody reads.
 QVCORE_API int32_t QVStreamPut(void* stream, uint8_t byte) QVCORE_NOEXCEPT;
 /// Brings the buffer of a runtime stream out.
 QVCORE_API int32_t QVStreamFlush(void* stream) QVCORE_NOEXCEPT;

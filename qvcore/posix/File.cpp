@@ -57,9 +57,23 @@ bool isPipeOrSocket(int descriptor) noexcept {
            (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
 }
 
-/// Whether a byte more makes a runtime stream bring its buffer out.
+/// Keeps other threads from a runtime stream while it lives.
+class StreamLock {
+public:
+    explicit StreamLock(std::FILE* file) noexcept : file_(file) { flockfile(file); }
+    ~StreamLock() { funlockfile(file_); }
+    StreamLock(const StreamLock&) = delete;
+    StreamLock& operator=(const StreamLock&) = delete;
+
+private:
+    std::FILE* file_;
+};
+
+/// Whether a byte more may make a runtime stream bring its buffer out. Where one that is also read
+/// has the end of its buffer, nobody tells.
 bool mayBringOut(std::FILE* file, std::uint8_t byte) noexcept {
-    return __fpending(file) + 1 >= __fbufsize(file) || (byte == '\n' && __flbf(file) != 0);
+    return __freadable(file) != 0 || __fpending(file) + 1 >= __fbufsize(file) ||
+           (byte == '\n' && __flbf(file) != 0);
 }
 
 /// Runs a call of the runtime library that may write to what is behind its stream.
@@ -245,7 +259,8 @@ std::int32_t QVStreamPut(void* stream, std::uint8_t byte) noexcept {
     if (file == nullptr) {
         return QV_E_INVALIDHANDLE;
     }
-    const auto put = [=] { return std::fputc(byte, file); };
+    const StreamLock lock(file);
+    const auto put = [=] { return putc_unlocked(byte, file); };
     if (mayBringOut(file, byte)) {
         return broughtOut(file, put);
     }

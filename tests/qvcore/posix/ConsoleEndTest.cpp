@@ -165,12 +165,15 @@ const support::ChildRole tidyRole("tidy-up-behind-a-key", [](const std::vector<s
         support::tell(areEmpty ? "empty" : "written to");
     });
     support::tell("ready");
+    const int free = dup(STDIN_FILENO);
+    close(free);
     support::tellKey();
+    support::tellKey();
+    support::tell(dup(STDIN_FILENO) == free ? "none left" : "one left");
     for (int descriptor = STDERR_FILENO + 1; descriptor < 100; ++descriptor) {
         close(descriptor);
     }
     std::generate(files.begin(), files.end(), [] { return memfd_create("file", 0); });
-    support::tellKey();
     return 0;
 });
 
@@ -259,6 +262,7 @@ TEST(PosixConsoleEndTest, UsesNoDescriptorBehindTheRead) {
     session.awaitRaw(true);
     session.type("b");
     EXPECT_EQ(session.readLine(), "98");
+    EXPECT_EQ(session.readLine(), "none left");
     EXPECT_EQ(session.readLine(), "empty");
     EXPECT_EQ(session.await(), 0);
 }

@@ -217,3 +217,19 @@ TEST(PosixPipeThreadsTest, HidesInterruptedCalls) {
     EXPECT_EQ(count, 1u);
     sigaction(SIGUSR1, &previous, nullptr);
 }
+
+TEST(PosixStreamTest, TellsWhyItsBytesCannotBeBroughtOut) {
+    std::FILE* const full = std::fopen("/dev/full", "wb");
+    ASSERT_NE(full, nullptr);
+    EXPECT_EQ(QVStreamPut(full, 'x'), 0);
+    EXPECT_EQ(QVStreamFlush(full), bits(0x80070070u));
+    std::setvbuf(full, nullptr, _IONBF, 0);
+    EXPECT_EQ(QVStreamPut(full, 'x'), bits(0x80070070u));
+    EXPECT_EQ(QVStreamClose(full), 0);
+    Pipe pipe;
+    pipe.closeReading();
+    std::FILE* const broken = fdopen(dup(pipe.descriptors[1]), "wb");
+    ASSERT_NE(broken, nullptr);
+    EXPECT_EQ(QVStreamPut(broken, 'x'), 0);
+    EXPECT_EQ(QVStreamClose(broken), brokenPipe);
+}

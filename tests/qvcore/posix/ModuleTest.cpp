@@ -5,11 +5,10 @@
 #include "tests/qvcore/Results.h"
 #include "tests/support/ChildRole.h"
 #include "tests/support/TestProcess.h"
+#include "tests/support/posix/Forks.h"
 
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace support;
 
@@ -22,18 +21,6 @@ void beforeFirst() { calls += "b1 "; }
 void afterFirst() { calls += "a1 "; }
 void beforeSecond() { calls += "b2 "; }
 void afterSecond() { calls += "a2 "; }
-
-/// Forks; the child ends with what `work` gives. @return that.
-template <typename Work>
-int inFork(Work work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(work());
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 /// Runs in a process of its own: what is registered stays.
 int checkForkHandlers(const std::vector<std::string>&) {

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 using namespace qv;
@@ -70,6 +71,23 @@ TEST_F(StdioBrokenPipeTest, AnUnbufferedByteCannotBeWritten) {
     std::setvbuf(file, nullptr, _IONBF, 0);
     StdioFileOutputStream out(file, true);
     EXPECT_EQ(thrown([&] { out.write(static_cast<signed char>('x')); }), "stream write error");
+}
+
+TEST_F(StdioBrokenPipeTest, AByteOfAStreamThatIsAlsoReadCannotBeWritten) {
+    int ends[2] = {};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    ASSERT_EQ(write(ends[0], "0123456789", 10), 10);
+    std::FILE* const file = fdopen(ends[1], "r+b");
+    char read[10];
+    ASSERT_EQ(std::fread(read, 1, sizeof read, file), sizeof read);
+    close(ends[0]);
+    StdioFileOutputStream out(file, true);
+    EXPECT_EQ(thrown([&] {
+                  for (int i = 0; i < 1'000'000; ++i) {
+                      out.write(static_cast<signed char>('x'));
+                  }
+              }),
+              "stream write error");
 }
 
 TEST_F(StdioBrokenPipeTest, TheCloseSaysNothing) {
