@@ -533,7 +533,7 @@ const support::ChildRole again("take-lock-again", [](const std::vector<std::stri
     std::uint64_t lock = 0;
     const bool isOpen = QVNamedSemOpen(arguments[0].c_str(), 1, &lock) == 0;
     support::tell(isOpen && QVSemaphoreTryWait(lock) == 0 ? "taken" : "held");
-    return 0;
+    return QVNamedSemClose(lock);
 });
 
 TEST(PosixIpcTest, TakesBackWhatAProcessHeldThatGoesOnAsAnotherProgram) {
