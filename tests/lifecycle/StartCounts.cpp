@@ -105,21 +105,26 @@ void entryStartsAndEnds() {
     CHECK(isUp());
 }
 
+void await(const std::atomic<bool>& event) {
+    while (!event) {
+        std::this_thread::yield();
+    }
+}
+
 void theProcessEndsThoughSomebodyWhoIsGoneHeldTheLock() {
     std::atomic<bool> isHeld = false;
-    std::thread holder([&isHeld] {
+    std::atomic<bool> isReleased = false;
+    std::thread holder([&] {
         g_pGlobalLock->wait();
         isHeld = true;
-        isHeld.notify_one();
-        isHeld.wait(true);
+        await(isReleased);
         g_pGlobalLock->signal();
     });
-    isHeld.wait(false);
+    await(isHeld);
     int processEnd = 0;
     CHECK(notify(ProcessDetach, &processEnd) == 1); // comes back, and has ended nothing
     CHECK(isUp());
-    isHeld = false;
-    isHeld.notify_one();
+    isReleased = true;
     holder.join();
     CHECK(notify(ProcessDetach, &processEnd) == 1);
     checkDown();

@@ -256,6 +256,7 @@ const support::ChildRole forkRole("fork-in-a-handler", [](const std::vector<std:
         const pid_t child = fork();
         if (child != 0) {
             waitpid(child, nullptr, 0);
+            support::tellInHandler("child ended\n");
         } else {
             support::tellInHandler("forked\n");
         }
@@ -437,6 +438,7 @@ TEST(PosixConsoleSignalTest, ReadsOnInAChildThatAHandlerForks) {
     session.awaitRaw(true);
     session.type("a");
     EXPECT_EQ(session.readLine(), "child 97");
+    EXPECT_EQ(session.readLine(), "child ended");
     session.awaitRaw(true);
     session.type("b");
     EXPECT_EQ(session.readLine(), "parent 98");
