@@ -380,15 +380,19 @@ std::int32_t withEncoder(const char16_t* encoding, Work work) {
     return failure < 0 ? failure : result;
 }
 
-/// Whether the encoder, from the beginning, makes that many bytes of the text.
-bool encodes(CharToByteConverter& encoder, std::span<const char16_t> text, int bytes) {
-    const auto out = std::make_unique_for_overwrite<signed char[]>(static_cast<std::size_t>(bytes));
+/// Whether the encoder, from the beginning, makes that many bytes of the text. False where it
+/// fails.
+bool encodes(CharToByteConverter& encoder, std::span<const char16_t> text, int bytes) noexcept {
     std::int32_t consumed = 0;
     std::int32_t written = 0;
-    encoder.reset();
-    encoder.convert(text.data(), &consumed, static_cast<int>(text.size()), out.get(), &written,
-                    bytes);
-    return written == bytes && consumed == static_cast<int>(text.size());
+    const std::int32_t result = toResult([&] {
+        const auto out =
+            std::make_unique_for_overwrite<signed char[]>(static_cast<std::size_t>(bytes));
+        encoder.reset();
+        encoder.convert(text.data(), &consumed, static_cast<int>(text.size()), out.get(), &written,
+                        bytes);
+    });
+    return result >= 0 && written == bytes && consumed == static_cast<int>(text.size());
 }
 
 } // namespace
@@ -425,17 +429,17 @@ std::int32_t Str1::convertToAZ(char* out, int size, const char16_t* encoding, in
         if (result >= 0) {
             out[bytes] = 0;
         }
+        if (written != nullptr) {
+            *written = bytes;
+        }
         if (position != nullptr) {
-            const int begin = std::max(*position, 0);
+            const int begin = std::max(std::exchange(*position, end), 0);
             const bool isInPair = result == QV_E_BUFFERTOOSMALL && end > begin &&
                                   text::charset::detail::isLeading(getData0()[end - 1]);
             // What the encoder has kept of a pair ends with it; what it has written is written.
-            const bool isKept =
-                isInPair && encodes(encoder, {getData0() + begin, getData0() + end - 1}, bytes);
-            *position = isKept ? end - 1 : end;
-        }
-        if (written != nullptr) {
-            *written = bytes;
+            if (isInPair && encodes(encoder, {getData0() + begin, getData0() + end - 1}, bytes)) {
+                *position = end - 1;
+            }
         }
         return result;
     });

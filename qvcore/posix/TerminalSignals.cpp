@@ -48,6 +48,8 @@ bool isHandledByProgram(int signal) noexcept {
 
 void catchSignal(int signal) noexcept;
 
+bool isCaughtNow(int signal) noexcept;
+
 /// Lets the signal come that has been raised from its handler, which holds it back.
 void deliver(int signal) noexcept {
     sigset_t one;
@@ -88,7 +90,9 @@ void handleByProgram(int signal, siginfo_t* information, void* context) noexcept
     } else {
         handling.sa_handler(signal);
     }
-    deliver(signal); // to end by its default is what some handlers do last
+    if (!isCaughtNow(signal)) {
+        deliver(signal); // to end by its default is what some handlers do last
+    }
 }
 
 void handle(int signal, siginfo_t* information, void* context) noexcept {
@@ -137,6 +141,12 @@ void catchSignal(int signal) noexcept {
     handling.sa_flags &= ~SA_RESETHAND; // this handler stays, and sees to that itself
     handling.sa_sigaction = handlerOf(signal);
     sigaction(signal, &handling, nullptr);
+}
+
+/// Whether this library's handler is in force.
+bool isCaughtNow(int signal) noexcept {
+    struct sigaction present = {};
+    return sigaction(signal, nullptr, &present) == 0 && present.sa_sigaction == handlerOf(signal);
 }
 
 void catchIfWanted(int signal) noexcept {
