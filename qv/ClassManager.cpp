@@ -50,8 +50,8 @@ void ClassManagerBase::registerClass(const char16_t* name, const std::type_info*
         return;
     }
     const Reference<Class> record(new Class(name, type, factory));
-    decltype(maps_->byType)
-        typed; // made in front, so that both maps take the record or neither does
+    // Its place in the second map is made in front: both maps take the record, or neither does.
+    decltype(maps_->byType) typed;
     typed.emplace(type, record);
     maps_->byName.emplace(name, record);
     maps_->byType.merge(typed);

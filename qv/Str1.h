@@ -101,9 +101,8 @@ public:
     /// Writes the narrow form and a terminating 0 byte. `*written` counts the bytes before it;
     /// `*position` is where to begin and then where it ended, in front of a pair that was cut. Both
     /// may be null.
-    /// @return 0; QV_E_INVALIDARG for no room at all; QV_E_BUFFERTOOSMALL for a text that was cut,
-    /// which
-    ///     then has no terminator; the result of the encoder's exception.
+    /// @return 0; QV_E_INVALIDARG for no room at all; QV_E_BUFFERTOOSMALL for a text that was cut
+    ///     and has no terminator; the result of the encoder's exception.
     std::int32_t convertToAZ(char* out, int size, const char16_t* encoding = nullptr,
                              int* written = nullptr, int* position = nullptr) const;
     /// The narrow form, 0-terminated. @throws ResultException with the result of the conversion.

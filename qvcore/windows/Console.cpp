@@ -56,7 +56,7 @@ public:
             if (taken == 0) {
                 // What was typed in front belongs to no later line.
                 FlushConsoleInputBuffer(console_);
-                return count;
+                return 0;
             }
             ++count;
             if (!IS_HIGH_SURROGATE(units[count - 1])) {

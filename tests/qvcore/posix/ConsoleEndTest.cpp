@@ -209,9 +209,7 @@ TEST(PosixConsoleEndTest, RestoresTheTerminalWhenTheProcessEndsAsTheReadingBegin
 TEST(PosixConsoleEndTest, OnlyTheThreadThatEndsTheProcessReadsOn) {
     TerminalSession session("await-key-reader-at-exit");
     EXPECT_EQ(session.readLine(), "failed") << "of the thread that waited";
-    session.awaitRaw(true);
-    session.type("a");
-    EXPECT_EQ(session.readLine(), "97");
+    session.expectKey();
     EXPECT_EQ(session.await(), 0);
     EXPECT_TRUE(session.isRestored());
 }
@@ -248,17 +246,13 @@ TEST(PosixConsoleEndTest, RestoresTheTerminalBehindAForkedChildThatReadsToo) {
 TEST(PosixConsoleEndTest, AForkThatWaitsHoldsUpNoSignal) {
     TerminalSession session("fork-beside-held-lock");
     EXPECT_EQ(session.readLine(), "handled");
-    session.awaitRaw(true);
-    session.type("a");
-    EXPECT_EQ(session.readLine(), "97");
+    session.expectKey();
     EXPECT_EQ(session.await(), 0);
 }
 
 TEST(PosixConsoleEndTest, UsesNoDescriptorBehindTheRead) {
     TerminalSession session("tidy-up-behind-a-key");
-    session.awaitRaw(true);
-    session.type("a");
-    EXPECT_EQ(session.readLine(), "97");
+    session.expectKey();
     session.awaitRaw(true);
     session.type("b");
     EXPECT_EQ(session.readLine(), "98");

@@ -236,12 +236,6 @@ int startUnstoppableReader(const std::vector<std::string>&) {
 const support::ChildRole backgroundRole("background-key-reader", startReaderInBackground);
 const support::ChildRole unstoppableRole("unstoppable-key-reader", startUnstoppableReader);
 
-void expectKey(TerminalSession& session) {
-    session.awaitRaw(true);
-    session.type("a");
-    EXPECT_EQ(session.readLine(), "97");
-}
-
 } // namespace
 
 TEST(PosixConsoleJobTest, RestoresTheTerminalWhenTheProcessIsStopped) {
@@ -249,7 +243,7 @@ TEST(PosixConsoleJobTest, RestoresTheTerminalWhenTheProcessIsStopped) {
     for (int time = 0; time < 3; ++time) {
         EXPECT_EQ(session.readLine(), std::to_string(SIGTSTP) + " restored");
     }
-    expectKey(session);
+    session.expectKey();
     EXPECT_EQ(session.await(), 0);
     EXPECT_TRUE(session.isRestored());
 }
@@ -259,7 +253,7 @@ TEST(PosixConsoleJobTest, FindsTheTerminalAnewBehindAStopThatCannotBeCaught) {
     for (int time = 0; time < 3; ++time) {
         EXPECT_EQ(session.readLine(), std::to_string(SIGSTOP) + " raw");
     }
-    expectKey(session);
+    session.expectKey();
     EXPECT_EQ(session.await(), 0);
     EXPECT_TRUE(session.isRestored());
 }
@@ -267,7 +261,7 @@ TEST(PosixConsoleJobTest, FindsTheTerminalAnewBehindAStopThatCannotBeCaught) {
 TEST(PosixConsoleJobTest, AwaitsTheForegroundBeforeItTouchesTheTerminal) {
     TerminalSession session("background-key-reader");
     EXPECT_EQ(session.readLine(), std::to_string(SIGTTIN) + " untouched");
-    expectKey(session);
+    session.expectKey();
     EXPECT_EQ(session.readLine(), "kept");
     EXPECT_EQ(session.await(), 0);
 }
@@ -313,7 +307,7 @@ TEST(PosixConsoleJobTest, RestoresTheTerminalWhenTheLastKeyBringsAContinue) {
 TEST(PosixConsoleJobTest, FindsTheTerminalAnewThoughTheContinueIsIgnored) {
     TerminalSession session("stop-deaf-key-reader");
     EXPECT_EQ(session.readLine(), std::to_string(SIGSTOP) + " raw");
-    expectKey(session);
+    session.expectKey();
     EXPECT_EQ(session.await(), 0);
     EXPECT_TRUE(session.isRestored());
 }
@@ -322,7 +316,7 @@ TEST(PosixConsoleJobTest, LetsTheProgramHandleTheContinue) {
     TerminalSession session("stop-redrawing-key-reader");
     EXPECT_EQ(session.readLine(), std::to_string(SIGSTOP) + " raw");
     EXPECT_EQ(session.readLine(), "redrawn");
-    expectKey(session);
+    session.expectKey();
     EXPECT_EQ(session.await(), 0);
 }
 

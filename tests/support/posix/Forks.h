@@ -45,7 +45,6 @@ public:
     StayingFork(const StayingFork&) = delete;
     StayingFork& operator=(const StayingFork&) = delete;
 
-    pid_t id() const { return child_; }
     std::int32_t result() const { return result_; }
     void kill() {
         if (child_ != 0) {

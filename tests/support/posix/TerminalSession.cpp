@@ -84,6 +84,12 @@ bool TerminalSession::isRestored() const {
            now.c_cc[VMIN] == before_.c_cc[VMIN];
 }
 
+void TerminalSession::expectKey() {
+    awaitRaw(true);
+    type("a");
+    EXPECT_EQ(readLine(), "97");
+}
+
 void TerminalSession::signal(int number) const { kill(child_, number); }
 
 void TerminalSession::signal(int number, int word) const {

@@ -24,6 +24,9 @@ public:
     void awaitRaw(bool raw) const;
     bool isRestored() const;
 
+    /// Types a key when the program awaits one, and expects it to be told.
+    void expectKey();
+
     void signal(int number) const;
     /// Sends a word with the signal.
     void signal(int number, int word) const;
