@@ -351,11 +351,12 @@ std::int32_t Str1::appendA(const signed char* bytes, int length, const char16_t*
 }
 
 std::int32_t Str1::convertToA(char* out, int size, CharToByteConverter& encoder, int* written,
-                              int* position) const {
+                              int* position, int end) const {
+    end = end == -1 ? length_ : end;
     std::int32_t bytes = 0;
-    std::int32_t consumed = position != nullptr ? std::clamp(*position, 0, length_) : 0;
+    std::int32_t consumed = position != nullptr ? std::clamp(*position, 0, end) : 0;
     const std::int32_t result = toResult([&] {
-        encoder.convert(getData0(), &consumed, length_, reinterpret_cast<signed char*>(out), &bytes,
+        encoder.convert(getData0(), &consumed, end, reinterpret_cast<signed char*>(out), &bytes,
                         size);
     });
     if (written != nullptr) {
@@ -364,7 +365,7 @@ std::int32_t Str1::convertToA(char* out, int size, CharToByteConverter& encoder,
     if (position != nullptr) {
         *position = consumed;
     }
-    return result < 0 || consumed >= length_ ? result : QV_E_BUFFERTOOSMALL;
+    return result < 0 || consumed >= end ? result : QV_E_BUFFERTOOSMALL;
 }
 
 namespace {
@@ -397,23 +398,29 @@ bool encodes(CharToByteConverter& encoder, std::span<const char16_t> text, int b
 
 } // namespace
 
+/// In pieces that a chunk has room for, and that cut no pair: encoders forget the half of one for
+/// whose other half there is no room.
 std::int32_t Str1::getLengthA(int* bytes, const char16_t* encoding, int start) const {
     *bytes = 0;
     return withEncoder(encoding, [&](CharToByteConverter& encoder) {
         char chunk[chunkSize];
-        int position = std::max(start, 0);
-        for (;;) {
+        const int units = std::max(chunkSize / std::max(encoder.getMaxBytesPerChar(), 1), 2);
+        for (int position = std::clamp(start, 0, length_); position < length_;) {
             const int before = position;
+            int end = std::min(length_ - before, units) + before;
+            end -= end < length_ && text::charset::detail::isLeading(getData0()[end - 1]) ? 1 : 0;
             int written = 0;
-            const std::int32_t result = convertToA(chunk, chunkSize, encoder, &written, &position);
+            const std::int32_t result =
+                convertToA(chunk, chunkSize, encoder, &written, &position, end);
             *bytes += written;
-            if (result != QV_E_BUFFERTOOSMALL) {
+            if (result < 0 && result != QV_E_BUFFERTOOSMALL) {
                 return result;
             }
             if (position == before && written == 0) {
                 return QV_E_FAIL; // what is left completes no character
             }
         }
+        return QV_S_OK;
     });
 }
 
@@ -486,7 +493,7 @@ char16_t* Str1::Appendor::checkAvailable(int length) {
     return place;
 }
 
-void Str1::Appendor::setRemCap(int length) {
+int Str1::Appendor::setRemCap(int length) {
     const int ahead = first_ != 0 ? std::exchange(first_, 0) : further_;
     const std::int64_t needed = std::int64_t{target_.length_} + std::max(ahead, 0) + length;
     if (needed > std::numeric_limits<std::int32_t>::max()) {
@@ -494,6 +501,7 @@ void Str1::Appendor::setRemCap(int length) {
     }
     remaining_ =
         target_.ensureCapacity1(static_cast<unsigned int>(needed), 0, -1) - target_.length_;
+    return remaining_;
 }
 
 // --- Forms ---

@@ -57,9 +57,9 @@ public:
     Str1& operator+=(char16_t unit) { return append(unit); }
     Str1& operator+=(const Str1& text) { return append(text); }
     Str1& operator+=(const String& text) { return append(text); }
-    /// Decodes behind the text; what was decoded before a failure stays.
+    /// Decodes behind the text, up to 512 units at a time; those before the ones that failed stay.
     /// @return 0; QV_E_FAIL for bytes that complete no character; the result of the decoder's
-    /// exception.
+    ///     exception.
     std::int32_t appendA(const signed char* bytes, int length, const char16_t* encoding = nullptr);
 
     /// Length 0; the store stays.
@@ -116,8 +116,10 @@ protected:
     /// from `keepStart` up to `keepEnd` (-1: the length), at its start.
     /// @return the room counted from the offset.
     int ensureCapacity1(unsigned int needed, int keepStart, int keepEnd);
+    /// Encodes up to `end` (-1: the length). The places of the counts may be null.
+    /// @return QV_E_BUFFERTOOSMALL for a text that was cut; the result of the encoder's exception.
     std::int32_t convertToA(char* out, int size, text::charset::CharToByteConverter& encoder,
-                            int* written, int* position) const;
+                            int* written, int* position, int end = -1) const;
     /// Makes a view of `length` units of `buffer`, and takes a reference.
     void attach(StrBuf1* buffer, int length) noexcept;
     StrBuf1* getBuffer() const noexcept { return buffer_; }
@@ -153,12 +155,13 @@ public:
     /// Raises the length by `length`. @return the place for these units; null for none of a string
     /// without a store.
     char16_t* checkAvailable(int length);
+    /// Reserves for `length` units and for those that the hints say. @return the units that now go
+    /// in without another look at the store.
+    int setRemCap(int length);
     /// To be called after the string has been changed by other means.
     void resync() noexcept { remaining_ = 0; }
 
 private:
-    void setRemCap(int length);
-
     Str1& target_;
     int remaining_ = 0;
     int first_;

@@ -16,7 +16,8 @@ namespace qv {
 ///
 /// A chained table: it grows to `capacity * 2 + 1` when a new key meets a size at the threshold,
 /// and puts new entries at the front of their chain. Keys share the store of the string given,
-/// unless that store lies inside another object: then they are copied.
+/// unless that store lies inside another object: then they are copied. Values are kept as they are
+/// given: one whose store lies inside another object must not outlive that.
 ///
 /// Thread safety: one thread at a time, also for reading: a look-up counts on the key's store.
 template <class V>

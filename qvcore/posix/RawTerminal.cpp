@@ -157,8 +157,20 @@ std::int32_t toKey(cc_t byte) noexcept {
 
 constexpr std::int32_t noKey = -1;
 
-/// Reads the key for which the terminal is ready, or finds that somebody else has taken it.
+bool isReadyForKeys() noexcept {
+    const TerminalLock lock;
+    return isRaw && !isDoubtful;
+}
+
+/// Reads the key for which the terminal is ready, or finds that somebody else has taken it, or the
+/// terminal.
 std::int32_t takeKey(bool isHungUp, std::int32_t& key) noexcept {
+    if (!isHungUp) {
+        const std::int32_t result = awaitForeground();
+        if (result < 0 || !isReadyForKeys()) {
+            return result;
+        }
+    }
     cc_t byte = 0;
     const ssize_t count = restarted([&byte] { return read(STDIN_FILENO, &byte, 1); });
     if (count == 1) {

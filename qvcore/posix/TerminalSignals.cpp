@@ -40,15 +40,23 @@ bool contains(const std::array<int, count>& signals, int signal) noexcept {
     return std::find(signals.begin(), signals.end(), signal) != signals.end();
 }
 
-bool isHandledByDefault(int signal) noexcept { return handlingOf(signal).sa_handler == SIG_DFL; }
-
-bool isHandledByProgram(int signal) noexcept {
-    return !isHandledByDefault(signal) && handlingOf(signal).sa_handler != SIG_IGN;
+bool isByDefault(const struct sigaction& handling) noexcept {
+    return handling.sa_handler == SIG_DFL;
 }
+
+bool isByProgram(const struct sigaction& handling) noexcept {
+    return !isByDefault(handling) && handling.sa_handler != SIG_IGN;
+}
+
+bool isByThisLibrary(const struct sigaction& handling) noexcept;
 
 void catchSignal(int signal) noexcept;
 
-bool isCaughtNow(int signal) noexcept;
+struct sigaction presentHandlingOf(int signal) noexcept {
+    struct sigaction present = {};
+    sigaction(signal, nullptr, &present);
+    return present;
+}
 
 /// Lets the signal come that has been raised from its handler, which holds it back.
 void deliver(int signal) noexcept {
@@ -63,17 +71,20 @@ void deliver(int signal) noexcept {
 /// Has the system end or stop the process here and now.
 void handleByDefault(int signal) noexcept {
     struct sigaction byDefault = {};
+    struct sigaction present = {};
     byDefault.sa_handler = SIG_DFL;
-    sigaction(signal, &byDefault, nullptr);
+    sigaction(signal, &byDefault, &present);
     raise(signal);
     deliver(signal); // a process that was stopped goes on from here
     const TerminalLock lock;
-    if (sigismember(&caught, signal) == 1) {
+    if (isByProgram(present) && !isByThisLibrary(present)) {
+        sigaction(signal, &present, nullptr); // it has called this library's handler
+    } else if (sigismember(&caught, signal) == 1) {
         catchSignal(signal);
     }
 }
 
-/// The program's handling for this once: a handler may be meant for the first signal alone.
+/// The handling for this once: a handler may be meant for the first signal alone.
 struct sigaction takeHandling(int signal) noexcept {
     const TerminalLock lock;
     const struct sigaction handling = handlingOf(signal);
@@ -83,14 +94,14 @@ struct sigaction takeHandling(int signal) noexcept {
     return handling;
 }
 
-void handleByProgram(int signal, siginfo_t* information, void* context) noexcept {
-    const struct sigaction handling = takeHandling(signal);
+void handleByProgram(const struct sigaction& handling, int signal, siginfo_t* information,
+                     void* context) noexcept {
     if ((handling.sa_flags & SA_SIGINFO) != 0) {
         handling.sa_sigaction(signal, information, context);
     } else {
         handling.sa_handler(signal);
     }
-    if (!isCaughtNow(signal)) {
+    if (isByDefault(presentHandlingOf(signal))) {
         deliver(signal); // to end by its default is what some handlers do last
     }
 }
@@ -98,10 +109,11 @@ void handleByProgram(int signal, siginfo_t* information, void* context) noexcept
 void handle(int signal, siginfo_t* information, void* context) noexcept {
     const int error = errno;
     RawTerminal::pause();
-    if (isHandledByDefault(signal)) {
+    const struct sigaction handling = takeHandling(signal);
+    if (isByDefault(handling)) {
         handleByDefault(signal);
     } else {
-        handleByProgram(signal, information, context);
+        handleByProgram(handling, signal, information, context);
     }
     RawTerminal::resume();
     errno = error;
@@ -111,8 +123,9 @@ void handle(int signal, siginfo_t* information, void* context) noexcept {
 void handleContinue(int signal, siginfo_t* information, void* context) noexcept {
     const int error = errno;
     RawTerminal::doubt();
-    if (isHandledByProgram(signal)) {
-        handleByProgram(signal, information, context);
+    const struct sigaction handling = takeHandling(signal);
+    if (isByProgram(handling)) {
+        handleByProgram(handling, signal, information, context);
     }
     errno = error;
 }
@@ -121,10 +134,14 @@ using Handler = void (*)(int, siginfo_t*, void*);
 
 Handler handlerOf(int signal) noexcept { return signal == SIGCONT ? handleContinue : handle; }
 
+bool isByThisLibrary(const struct sigaction& handling) noexcept {
+    return handling.sa_sigaction == handle || handling.sa_sigaction == handleContinue;
+}
+
 /// @return whether a signal that is handled so is to be caught. A handler that was set while the
 /// signal was caught may call this library's, as the one that it stands before, and is left alone.
 bool isToBeCaught(int signal, const struct sigaction& handling) noexcept {
-    const bool isDefault = handling.sa_handler == SIG_DFL;
+    const bool isDefault = isByDefault(handling);
     if (contains(leftAlone, signal) || (!isDefault && sigismember(&takenOver, signal) == 1)) {
         return false;
     }
@@ -134,7 +151,7 @@ bool isToBeCaught(int signal, const struct sigaction& handling) noexcept {
 
 void catchSignal(int signal) noexcept {
     struct sigaction handling = handlingOf(signal);
-    if (!isHandledByProgram(signal)) {
+    if (!isByProgram(handling)) {
         handling.sa_flags = SA_RESTART | SA_ONSTACK; // a process that goes on notices nothing
     }
     handling.sa_flags |= SA_SIGINFO;
@@ -143,18 +160,12 @@ void catchSignal(int signal) noexcept {
     sigaction(signal, &handling, nullptr);
 }
 
-/// Whether this library's handler is in force.
-bool isCaughtNow(int signal) noexcept {
-    struct sigaction present = {};
-    return sigaction(signal, nullptr, &present) == 0 && present.sa_sigaction == handlerOf(signal);
-}
-
 void catchIfWanted(int signal) noexcept {
     struct sigaction handling = {};
     if (sigaction(signal, nullptr, &handling) != 0) {
         return;
     }
-    if (handling.sa_sigaction == handlerOf(signal)) { // set again by who saw it
+    if (isByThisLibrary(handling)) { // set again by who saw it
         sigaddset(&caught, signal);
     } else if (isToBeCaught(signal, handling)) {
         handlingOf(signal) = handling;
@@ -164,9 +175,8 @@ void catchIfWanted(int signal) noexcept {
 }
 
 void giveBack(int signal) noexcept {
-    struct sigaction present = {};
-    sigaction(signal, nullptr, &present);
-    if (present.sa_sigaction == handlerOf(signal)) {
+    const struct sigaction present = presentHandlingOf(signal);
+    if (isByThisLibrary(present)) {
         sigaction(signal, &handlingOf(signal), nullptr);
     } else if (present.sa_sigaction != handlingOf(signal).sa_sigaction) {
         sigaddset(&takenOver, signal);

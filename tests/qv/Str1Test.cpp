@@ -12,6 +12,7 @@
 #include "tests/support/Throws.h"
 
 #include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <limits>
 #include <type_traits>
@@ -602,6 +603,15 @@ TEST(Str1AppendorTest, FirstAppendOfNothingReserves) {
     EXPECT_EQ(units(text), expected);
 }
 
+TEST(Str1AppendorTest, TellsTheRoomThatItReserved) {
+    Str1 text = Str1Copy(u"0123456789");
+    Str1::Appendor appendor(text, 100, 1000);
+    const int room = appendor.setRemCap(2);
+    EXPECT_EQ(room, static_cast<int>(capacityOf(text)) - 10);
+    EXPECT_GE(appendor.setRemCap(2), 1002);
+    EXPECT_EQ(text.getLength(), 10);
+}
+
 TEST(Str1AppendorTest, NothingAppendedToAStringWithoutAStoreLeavesItSo) {
     Str1 text;
     Str1::Appendor appendor(text, 10, 10);
@@ -975,6 +985,23 @@ TEST(Str1BytesTest, NarrowLengthIsMeasured) {
     EXPECT_EQ(Str1Copy(u"a\xD800x").getLengthA(&length, u"UTF-8"), QV_E_INVALIDCHARACTER);
     EXPECT_EQ(Str1Copy(u"a\xD800").getLengthA(&length, u"AMP-7"), QV_E_FAIL)
         << "a text that cannot be ended does not loop";
+}
+
+TEST(Str1BytesTest, NarrowLengthCountsThePairsWhole) {
+    for (const char16_t* const encoding :
+         {u"UTF-8", u"UTF-16LE", u"UTF-32BE", u"CP1252", u"AMP-7", support::closingEncoding()}) {
+        SCOPED_TRACE(String(encoding).getBytes(u"UTF-8"));
+        for (int front = 0; front < 600; ++front) {
+            Str1 text;
+            text.append(u'a', front).append(u"\U0001F600").append(u"\U0001F600\U0001F601z");
+            int length = -1;
+            ASSERT_EQ(text.getLengthA(&length, encoding), 0);
+            std::array<char, 5000> out;
+            int written = -1;
+            ASSERT_EQ(text.convertToAZ(out.data(), out.size(), encoding, &written), 0);
+            ASSERT_EQ(length, written) << front;
+        }
+    }
 }
 
 TEST(Str1BytesTest, NarrowFormIsWrittenAndTerminated) {

@@ -169,6 +169,25 @@ const support::ChildRole robRole("take-terminal-from-reader", [](const std::vect
     return 0;
 });
 
+/// Takes the foreground from a job that waits for a key, reads a line there, and gives it back when
+/// the key has stopped the job.
+const support::ChildRole borrowRole("borrow-terminal-of-reader",
+                                    [](const std::vector<std::string>&) {
+                                        support::tell("ready");
+                                        const termios before = terminalMode();
+                                        const pid_t job = startInForeground();
+                                        support::awaitRawTerminal();
+                                        bringToForeground(getpgrp());
+                                        setMode(before);
+                                        support::tell("taken");
+                                        support::tell(std::to_string(awaitStop(job)));
+                                        char line[2] = {};
+                                        const bool isRead = read(STDIN_FILENO, line, 2) == 2;
+                                        bringToForeground(job);
+                                        letGoOn(job);
+                                        return isRead ? 0 : 1;
+                                    });
+
 /// Stops a process whose main thread waits for bytes while another waits for a key, lets it go on,
 /// and then gives it both. Tells what the bytes' call gave.
 const support::ChildRole callRole("stop-caller-beside-reader", [](const std::vector<std::string>&) {
@@ -324,6 +343,17 @@ TEST(PosixConsoleJobTest, LeavesTheTerminalToThoseWhoTookIt) {
     TerminalSession session("take-terminal-from-reader");
     EXPECT_EQ(session.readLine(), "kept");
     EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleJobTest, FindsTheTerminalAnewThatWasTakenMeanwhile) {
+    TerminalSession session("borrow-terminal-of-reader");
+    EXPECT_EQ(session.readLine(), "taken");
+    session.type("x\n");
+    EXPECT_EQ(session.readLine(), "x");
+    EXPECT_EQ(session.readLine(), std::to_string(SIGTTIN));
+    session.expectKey();
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
 }
 
 TEST(PosixConsoleJobTest, LetsTheCallsBesideItGoOnBehindAStop) {

@@ -199,6 +199,38 @@ const support::ChildRole chainRole("chain-handlers", [](const std::vector<std::s
     return 0;
 });
 
+void (*handlerBefore)(int);
+
+/// A taker of keys that has a new handler call the one before it, from the first key on. Goes on.
+template <int number>
+int chainHandler(void*, std::int32_t key) {
+    if (key != 'h') {
+        support::tell(std::to_string(key));
+        return 0;
+    }
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_flags = SA_ONSTACK;
+    action.sa_handler = [](int signal) {
+        handlerBefore(signal);
+        support::tellInHandler("chained\n");
+    };
+    sigaction(number, &action, &before);
+    handlerBefore = before.sa_handler;
+    support::tell("replaced");
+    return 1;
+}
+
+/// Replaces the handler of the stop while keys are awaited, awaits keys twice, and stops at last.
+/// Nothing stops in a session whose leader alone is there.
+const support::ChildRole chainStopRole("chain-stops", [](const std::vector<std::string>&) {
+    support::tell("ready");
+    QVConsoleReadKeys(chainHandler<SIGTSTP>, nullptr);
+    support::tellKey();
+    raise(SIGTSTP);
+    return 0;
+});
+
 /// Tells a key with a handler that is meant for the first signal alone.
 const support::ChildRole onceRole("handle-the-first-signal", [](const std::vector<std::string>&) {
     struct sigaction action = {};
@@ -206,6 +238,27 @@ const support::ChildRole onceRole("handle-the-first-signal", [](const std::vecto
     action.sa_handler = [](int) { support::tellModeInHandler(); };
     sigaction(SIGTERM, &action, nullptr);
     support::tell("ready");
+    support::tellKey();
+    return 0;
+});
+
+/// Raises such a signal in two threads at once while a key is awaited.
+const support::ChildRole onceAtOnceRole("handle-one-of-two", [](const std::vector<std::string>&) {
+    struct sigaction action = {};
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, nullptr);
+    static std::atomic<int> missing = 2;
+    const auto signalAtOnce = [] {
+        support::awaitRawTerminal();
+        --missing;
+        while (missing != 0) {
+        }
+        raise(SIGUSR1);
+    };
+    support::tell("ready");
+    std::thread(signalAtOnce).detach();
+    std::thread(signalAtOnce).detach();
     support::tellKey();
     return 0;
 });
@@ -248,9 +301,9 @@ const support::ChildRole burstRole("tell-keys-in-a-burst", [](const std::vector<
         nullptr);
 });
 
-/// Tells a key while a handler raises its own signal again and again, on a stack that has no room
-/// for many handlers within each other.
-const support::ChildRole rowRole("handle-many-in-a-row", [](const std::vector<std::string>&) {
+/// Sets a handler that raises its own signal again and again, on a stack that has no room for many
+/// handlers within each other.
+void handleManyInARow() {
     static std::array<char, 256 * 1024> memory;
     const stack_t stack = {.ss_sp = memory.data(), .ss_flags = 0, .ss_size = memory.size()};
     sigaltstack(&stack, nullptr);
@@ -265,9 +318,18 @@ const support::ChildRole rowRole("handle-many-in-a-row", [](const std::vector<st
         }
     };
     sigaction(SIGUSR1, &action, nullptr);
+}
+
+const support::ChildRole rowRole("handle-many-in-a-row", [](const std::vector<std::string>&) {
+    handleManyInARow();
     support::tell("ready");
     support::tellKey();
     return 0;
+});
+const support::ChildRole rowInChainRole("chain-many-in-a-row", [](const std::vector<std::string>&) {
+    handleManyInARow();
+    support::tell("ready");
+    return QVConsoleReadKeys(chainHandler<SIGUSR1>, nullptr);
 });
 
 /// Tells a key twice: in a child that a handler forks, and then in the parent.
@@ -402,6 +464,27 @@ TEST(PosixConsoleSignalTest, LeavesAHandlerAloneThatCallsTheOneBeforeIt) {
     EXPECT_TRUE(session.isRestored());
 }
 
+TEST(PosixConsoleSignalTest, KeepsAHandlerThatCallsTheOneBeforeItAsOftenAsItIsCalled) {
+    TerminalSession session("chain-stops");
+    session.awaitRaw(true);
+    session.type("h");
+    EXPECT_EQ(session.readLine(), "replaced");
+    for (int time = 0; time < 2; ++time) {
+        session.awaitRaw(true);
+        session.signal(SIGTSTP);
+        EXPECT_EQ(session.readLine(), "chained");
+    }
+    session.expectKey();
+    for (int time = 0; time < 2; ++time) {
+        session.awaitRaw(true);
+        session.signal(SIGTSTP);
+        EXPECT_EQ(session.readLine(), "chained");
+    }
+    session.expectKey();
+    EXPECT_EQ(session.readLine(), "chained") << "behind the last key";
+    EXPECT_EQ(session.await(), 0);
+}
+
 TEST(PosixConsoleSignalTest, HandlesTheFirstSignalAloneWhereTheProgramSaysSo) {
     TerminalSession session("handle-the-first-signal");
     session.awaitRaw(true);
@@ -411,6 +494,14 @@ TEST(PosixConsoleSignalTest, HandlesTheFirstSignalAloneWhereTheProgramSaysSo) {
     session.signal(SIGTERM);
     EXPECT_EQ(WTERMSIG(session.await()), SIGTERM);
     EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleSignalTest, HandlesOneOfTwoSignalsAtOnceWhereTheProgramSaysSo) {
+    for (int round = 0; round < 150; ++round) {
+        TerminalSession session("handle-one-of-two");
+        ASSERT_EQ(WTERMSIG(session.await()), SIGUSR1);
+        EXPECT_TRUE(session.isRestored());
+    }
 }
 
 TEST(PosixConsoleSignalTest, RestoresTheTerminalWhereAHandlerEndsByTheDefault) {
@@ -467,6 +558,24 @@ TEST(PosixConsoleSignalTest, HandlesOneSignalBehindTheOther) {
     session.awaitRaw(true);
     session.signal(SIGUSR1);
     EXPECT_EQ(session.readLine(), "all handled");
+    session.expectKey();
+    EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleSignalTest, HandlesOneSignalBehindTheOtherWhereHandlersCallEachOther) {
+    TerminalSession session("chain-many-in-a-row");
+    session.awaitRaw(true);
+    session.type("h");
+    EXPECT_EQ(session.readLine(), "replaced");
+    session.signal(SIGUSR1);
+    std::string line = session.readLine();
+    int calls = 1;
+    for (; line == "chained"; line = session.readLine()) {
+        ++calls;
+    }
+    EXPECT_EQ(line, "all handled");
+    EXPECT_EQ(session.readLine(), "chained");
+    EXPECT_EQ(calls, 5000);
     session.expectKey();
     EXPECT_EQ(session.await(), 0);
 }
