@@ -351,8 +351,12 @@ std::int32_t Str1::appendA(const signed char* bytes, int length, const char16_t*
 }
 
 std::int32_t Str1::convertToA(char* out, int size, CharToByteConverter& encoder, int* written,
-                              int* position, int end) const {
-    end = end == -1 ? length_ : end;
+                              int* position) const {
+    return convertUpTo(length_, out, size, encoder, written, position);
+}
+
+std::int32_t Str1::convertUpTo(int end, char* out, int size, CharToByteConverter& encoder,
+                               int* written, int* position) const {
     std::int32_t bytes = 0;
     std::int32_t consumed = position != nullptr ? std::clamp(*position, 0, end) : 0;
     const std::int32_t result = toResult([&] {
@@ -411,7 +415,7 @@ std::int32_t Str1::getLengthA(int* bytes, const char16_t* encoding, int start) c
             end -= end < length_ && text::charset::detail::isLeading(getData0()[end - 1]) ? 1 : 0;
             int written = 0;
             const std::int32_t result =
-                convertToA(chunk, chunkSize, encoder, &written, &position, end);
+                convertUpTo(end, chunk, chunkSize, encoder, &written, &position);
             *bytes += written;
             if (result < 0 && result != QV_E_BUFFERTOOSMALL) {
                 return result;

@@ -116,10 +116,10 @@ protected:
     /// from `keepStart` up to `keepEnd` (-1: the length), at its start.
     /// @return the room counted from the offset.
     int ensureCapacity1(unsigned int needed, int keepStart, int keepEnd);
-    /// Encodes up to `end` (-1: the length). The places of the counts may be null.
+    /// Encodes from `*position` on. Both counts may be null.
     /// @return QV_E_BUFFERTOOSMALL for a text that was cut; the result of the encoder's exception.
     std::int32_t convertToA(char* out, int size, text::charset::CharToByteConverter& encoder,
-                            int* written, int* position, int end = -1) const;
+                            int* written, int* position) const;
     /// Makes a view of `length` units of `buffer`, and takes a reference.
     void attach(StrBuf1* buffer, int length) noexcept;
     StrBuf1* getBuffer() const noexcept { return buffer_; }
@@ -132,6 +132,9 @@ private:
     int growTo(unsigned int capacity, int keepStart, int kept);
     int moveTo(StrBuf1* buffer, int keepStart, int kept) noexcept;
     std::int32_t mapUnits(char16_t (*map)(char16_t) noexcept);
+    std::int32_t convertUpTo(int end, char* out, int size,
+                             text::charset::CharToByteConverter& encoder, int* written,
+                             int* position) const;
 
     StrBuf1* buffer_ = nullptr;
     int offset_ = 0;

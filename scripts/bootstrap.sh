@@ -5,7 +5,7 @@
 #   scripts/bootstrap.sh [build] [test] [windows] [bench] [format]
 #
 # build    the compiler and the build tools (what every job needs)
-# test     GoogleTest's sources
+# test     GoogleTest's sources and the oracles of the tests
 # windows  the cross compiler and Wine
 # bench    Google Benchmark, the peers and the texts of the benchmarks
 # format   the formatter and the linter
@@ -14,9 +14,10 @@ set -euo pipefail
 packages_of() {
     case $1 in
     build) echo g++ cmake ninja-build ;;
-    test) echo googletest locales pkg-config binutils ;;
+    test) echo googletest locales pkg-config binutils libgmp-dev libssl-dev openssl python3 ;;
     windows) echo g++-mingw-w64-x86-64-posix wine wine64 ;;
-    bench) echo libbenchmark-dev libicu-dev qtbase5-dev pkg-config \
+    bench) echo libbenchmark-dev libicu-dev qtbase5-dev libboost-dev libgmp-dev libpoco-dev libssl-dev \
+        pkg-config \
         manpages manpages-fr manpages-ru manpages-zh manpages-ja ;;
     format) echo clang-format clang-tidy ;;
     *)

@@ -71,14 +71,17 @@ void deliver(int signal) noexcept {
 /// Has the system end or stop the process here and now.
 void handleByDefault(int signal) noexcept {
     struct sigaction byDefault = {};
-    struct sigaction present = {};
+    struct sigaction before = {};
     byDefault.sa_handler = SIG_DFL;
-    sigaction(signal, &byDefault, &present);
+    sigaction(signal, &byDefault, &before);
     raise(signal);
     deliver(signal); // a process that was stopped goes on from here
     const TerminalLock lock;
-    if (isByProgram(present) && !isByThisLibrary(present)) {
-        sigaction(signal, &present, nullptr); // it has called this library's handler
+    if (!isByDefault(presentHandlingOf(signal))) {
+        return; // the program has set another meanwhile
+    }
+    if (!isByDefault(before) && !isByThisLibrary(before)) {
+        sigaction(signal, &before, nullptr); // the program's, which has called this library's
     } else if (sigismember(&caught, signal) == 1) {
         catchSignal(signal);
     }

@@ -153,6 +153,16 @@ const support::ChildRole
         return stopReader(SIGSTOP, 1);
     });
 
+/// Stops a job twice that handles a stop itself from its first continue on, and tells what the
+/// second one did.
+const support::ChildRole
+    resetRole("handle-stop-from-continue-on", [](const std::vector<std::string>&) {
+        std::signal(SIGCONT, [](int) {
+            std::signal(SIGTSTP, [](int) { support::tellInHandler("handled\n"); });
+        });
+        return stopReader(SIGTSTP, 1);
+    });
+
 /// Takes the foreground from a job that waits for a key, changes the terminal's stop key, ends the
 /// job, and tells whether the key is still the changed one.
 const support::ChildRole robRole("take-terminal-from-reader", [](const std::vector<std::string>&) {
@@ -337,6 +347,17 @@ TEST(PosixConsoleJobTest, LetsTheProgramHandleTheContinue) {
     EXPECT_EQ(session.readLine(), "redrawn");
     session.expectKey();
     EXPECT_EQ(session.await(), 0);
+}
+
+TEST(PosixConsoleJobTest, LeavesTheHandlerOfTheStopThatTheContinueBrought) {
+    TerminalSession session("handle-stop-from-continue-on");
+    EXPECT_EQ(session.readLine(), std::to_string(SIGTSTP) + " restored");
+    session.awaitRaw(true);
+    session.signalForeground(SIGTSTP);
+    EXPECT_EQ(session.readLine(), "handled");
+    session.expectKey();
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
 }
 
 TEST(PosixConsoleJobTest, LeavesTheTerminalToThoseWhoTookIt) {

@@ -96,6 +96,8 @@ void TerminalSession::signal(int number, int word) const {
     sigqueue(child_, number, {.sival_int = word});
 }
 
+void TerminalSession::signalForeground(int number) const { killpg(tcgetpgrp(master_), number); }
+
 void TerminalSession::hangUp() {
     close(master_);
     master_ = -1;

@@ -30,6 +30,8 @@ public:
     void signal(int number) const;
     /// Sends a word with the signal.
     void signal(int number, int word) const;
+    /// Signals the processes in the foreground.
+    void signalForeground(int number) const;
     void hangUp();
     /// @return the status with which the program ended.
     int await();
