@@ -1129,6 +1129,25 @@ TEST(Str1BytesTest, RoomForOneByteTakesTheTerminatorOfAnEmptyText) {
     EXPECT_EQ(out[0], 0);
 }
 
+TEST(Str1BytesTest, AFormOfItsOwnMayEncodePieceByPiece) {
+    struct Form : Str1Copy {
+        using Str1::convertToA;
+        using Str1Copy::Str1Copy;
+    };
+    const Form text(u"abc");
+    using text::charset::CharToByteConverter;
+    const Reference<CharToByteConverter> encoder(CharToByteConverter::getConverter(u"UTF-8"));
+    char out[4] = {};
+    int written = 0;
+    int position = 1;
+    EXPECT_EQ(text.convertToA(out, 1, *encoder, &written, &position), QV_E_BUFFERTOOSMALL);
+    EXPECT_STREQ(out, "b");
+    EXPECT_EQ(written, 1);
+    EXPECT_EQ(position, 2);
+    EXPECT_EQ(text.convertToA(out, 3, *encoder, nullptr, nullptr), 0);
+    EXPECT_STREQ(out, "abc");
+}
+
 TEST(Str1BytesTest, NoRoomIsABadArgument) {
     char out[1];
     EXPECT_EQ(Str1Copy(u"a").convertToAZ(nullptr, 5), QV_E_INVALIDARG);

@@ -153,13 +153,17 @@ const support::ChildRole
         return stopReader(SIGSTOP, 1);
     });
 
-/// Stops a job twice that handles a stop itself from its first continue on, and tells what the
-/// second one did.
+/// Stops a job once that handles or ignores a stop from its continue on.
 const support::ChildRole
-    resetRole("handle-stop-from-continue-on", [](const std::vector<std::string>&) {
+    handleRole("handle-stop-from-continue-on", [](const std::vector<std::string>&) {
         std::signal(SIGCONT, [](int) {
             std::signal(SIGTSTP, [](int) { support::tellInHandler("handled\n"); });
         });
+        return stopReader(SIGTSTP, 1);
+    });
+const support::ChildRole
+    ignoreRole("ignore-stop-from-continue-on", [](const std::vector<std::string>&) {
+        std::signal(SIGCONT, [](int) { std::signal(SIGTSTP, SIG_IGN); });
         return stopReader(SIGTSTP, 1);
     });
 
@@ -355,6 +359,16 @@ TEST(PosixConsoleJobTest, LeavesTheHandlerOfTheStopThatTheContinueBrought) {
     session.awaitRaw(true);
     session.signalForeground(SIGTSTP);
     EXPECT_EQ(session.readLine(), "handled");
+    session.expectKey();
+    EXPECT_EQ(session.await(), 0);
+    EXPECT_TRUE(session.isRestored());
+}
+
+TEST(PosixConsoleJobTest, LeavesAStopIgnoredThatTheContinueIgnores) {
+    TerminalSession session("ignore-stop-from-continue-on");
+    EXPECT_EQ(session.readLine(), std::to_string(SIGTSTP) + " restored");
+    session.awaitRaw(true);
+    session.signalForeground(SIGTSTP);
     session.expectKey();
     EXPECT_EQ(session.await(), 0);
     EXPECT_TRUE(session.isRestored());
