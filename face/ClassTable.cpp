@@ -2,12 +2,18 @@
 
 #include "qv/Exceptions.h"
 #include "qv/String.h"
+#include "qv/io/AlphaNumInputStream.h"
+#include "qv/io/AlphaNumOutputStream.h"
+#include "qv/io/BitInputStream.h"
+#include "qv/io/BitOutputStream.h"
 #include "qv/io/BufferedInputStream.h"
 #include "qv/io/BufferedOutputStream.h"
 #include "qv/io/BufferedReader.h"
 #include "qv/io/BufferedWriter.h"
 #include "qv/io/ByteArrayInputStream.h"
 #include "qv/io/ByteArrayOutputStream.h"
+#include "qv/io/DataInputStream.h"
+#include "qv/io/DataOutputStream.h"
 #include "qv/io/FilterInputStream.h"
 #include "qv/io/FilterOutputStream.h"
 #include "qv/io/FilterReader.h"
@@ -33,6 +39,7 @@
 #include "qv/text/charset/UTF16Converters.h"
 #include "qv/text/charset/UTF32Converters.h"
 #include "qv/util/FilePath.h"
+#include "qv/util/Guid.h"
 #include "qv/util/MTBuffer.h"
 #include "qv/util/ROBuffer.h"
 #include "qv/util/RWBuffer.h"
@@ -66,6 +73,10 @@ using namespace text::charset;
 const ClassRow classTable[] = {
     abstract<util::AbstractByteBuffer>(u"CQVAbstractByteBuffer"),
     abstract<util::AbstractCharBuffer>(u"CQVAbstractCharBuffer"),
+    abstract<io::AlphaNumInputStream>(u"CQVAlphaNumInputStream"),
+    abstract<io::AlphaNumOutputStream>(u"CQVAlphaNumOutputStream"),
+    abstract<io::BitInputStream>(u"CQVBitInputStream"),
+    abstract<io::BitOutputStream>(u"CQVBitOutputStream"),
     abstract<BTCSingleByte>(u"CQVBTCSingleByte"),
     abstract<BTCSingleByteTable>(u"CQVBTCSingleByteTable"),
     abstract<io::BufferedInputStream>(u"CQVBufferedInputStream"),
@@ -80,6 +91,8 @@ const ClassRow classTable[] = {
     abstract<CTBSingleByte>(u"CQVCTBSingleByte"),
     abstract<CTBSingleByteTable>(u"CQVCTBSingleByteTable"),
     abstract<ComObject>(u"CQVComObject"),
+    abstract<io::DataInputStream>(u"CQVDataInputStream"),
+    abstract<io::DataOutputStream>(u"CQVDataOutputStream"),
     concrete<sync::Event, noName, 0u>(u"CQVEvent"),
     concrete<sync::FakeMutex>(u"CQVFakeMutex"),
     abstract<util::FilePath>(u"CQVFilePath"),
@@ -88,6 +101,7 @@ const ClassRow classTable[] = {
     abstract<io::FilterReader>(u"CQVFilterReader"),
     abstract<io::FilterWriter>(u"CQVFilterWriter"),
     concrete<sync::Gate, noName, 0u>(u"CQVGate"),
+    abstract<util::Guid>(u"CQVGuid"),
     abstract<io::InputStream>(u"CQVInputStream"),
     abstract<io::InputStreamReader>(u"CQVInputStreamReader"),
     abstract<sync::LockObject>(u"CQVLockObject"),

@@ -34,7 +34,7 @@ hex() { od -An -tx1 -v | tr -d ' \n'; }
 path() { printf '%s' "$1"; }
 
 check version "qv 7.0.0" "$("${qv[@]}" version)"
-check "help names every command" 8 "$("${qv[@]}" help | grep -c '^  ')"
+check "help names every command" 13 "$("${qv[@]}" help | grep -c '^  ')"
 check "help of a command" "usage: qv lock -name=NAME [-hold=MILLISECONDS]" "$("${qv[@]}" help lock | head -1)"
 for command in $("${qv[@]}" help | tr -d '\r' | awk '/^  / { print $1 }'); do
     check "help of $command" "usage: qv $command" "$("${qv[@]}" help "$command" | head -1 | cut -d' ' -f1-3)"
@@ -59,6 +59,61 @@ check "normalize: native" 'b\c' "$("${qv[@]}" normalize -text=a/../b//c)"
 check "normalize: back" 'b\c' "$("${qv[@]}" normalize -text=a/../b//c -slash=back)"
 check "normalize: comma in the text" 'a,b\c' "$("${qv[@]}" normalize -text=a,b/c)"
 check lock held "$("${qv[@]}" lock -name="qv-test-$$" -hold=1)"
+
+check "digest: of standard input" "900150983cd24fb0d6963f7d28e17f72  -" "$(printf abc | "${qv[@]}" digest)"
+check "digest: of nothing" "d41d8cd98f00b204e9800998ecf8427e  -" "$("${qv[@]}" digest -in=- </dev/null)"
+printf abc >"$work/abc"
+head -c 1000000 /dev/zero >"$work/zeros"
+check "digest: of several files" "$(printf '900150983cd24fb0d6963f7d28e17f72  %s\n879f4bba57ed37c9ec5e5aedf9864698  %s' \
+    "$(path "$work/abc")" "$(path "$work/zeros")")" \
+    "$("${qv[@]}" digest "-in=$(path "$work/abc"),$(path "$work/zeros")")"
+check "digest: those before a missing file stay" "900150983cd24fb0d6963f7d28e17f72  $(path "$work/abc")" \
+    "$("${qv[@]}" digest "-in=$(path "$work/abc"),$(path "$work/none")" 2>/dev/null)"
+fails "digest: missing file" 1 "qv: file not found [0x80070002]" "${qv[@]}" digest "-in=$(path "$work/none")"
+
+check "cipher: a published block" 0aceab0fc6a0a28d \
+    "$(printf '\001\043\105\147\211\253\315\357' | "${qv[@]}" cipher -encrypt -key=fedcba9876543210 | hex)"
+check "cipher: and back" 0123456789abcdef \
+    "$(printf '\012\316\253\017\306\240\242\215' | "${qv[@]}" cipher -decrypt -key=FEDCBA9876543210 | hex)"
+"${qv[@]}" cipher -encrypt -key=01 "-in=$(path "$work/zeros")" "-out=$(path "$work/enciphered")"
+"${qv[@]}" cipher -decrypt -key=01 "-in=$(path "$work/enciphered")" "-out=$(path "$work/deciphered")"
+check "cipher: a file comes back" 0 "$(cmp -s "$work/zeros" "$work/deciphered"; echo $?)"
+check "cipher: a file changes" 1 "$(cmp -s "$work/zeros" "$work/enciphered"; echo $?)"
+usage_cipher="usage: qv cipher -encrypt|-decrypt -key=HEX [-in=FILE] [-out=FILE]"
+fails "cipher: without a way" 2 "$usage_cipher" "${qv[@]}" cipher -key=00
+fails "cipher: both ways" 2 "$usage_cipher" "${qv[@]}" cipher -encrypt -decrypt -key=00
+fails "cipher: without a key" 2 "$usage_cipher" "${qv[@]}" cipher -encrypt
+fails "cipher: half a byte of key" 2 "$usage_cipher" "${qv[@]}" cipher -encrypt -key=123
+fails "cipher: no digits" 2 "$usage_cipher" "${qv[@]}" cipher -encrypt -key=0g
+fails "cipher: a key too long" 2 "$usage_cipher" "${qv[@]}" cipher -encrypt "-key=$(printf '%0122d' 0)"
+check "cipher: a key of 60 bytes" "" "$("${qv[@]}" cipher -encrypt "-key=$(printf '%0120d' 0)" </dev/null)"
+fails "cipher: no whole blocks" 1 "qv: only supports 8 byte block boundaries" "${qv[@]}" cipher -encrypt -key=00 "-in=$(path "$work/abc")"
+fails "cipher: same file" 1 "qv: input and output are the same file" "${qv[@]}" cipher -encrypt -key=00 \
+    "-in=$(path "$work/abc")" "-out=$(path "$work/abc")"
+
+check "alphanum: encode" ABCDEFGH "$(printf '\000\104\062\024\307' | "${qv[@]}" alphanum -encode)"
+check "alphanum: encode adds nothing" 3936 "$(printf '\377' | "${qv[@]}" alphanum -encode | hex)"
+check "alphanum: decode" 00443214c7 "$(printf ABCDEFGH | "${qv[@]}" alphanum -decode | hex)"
+check "alphanum: decode keeps the byte of padding" ff00 "$(printf 96 | "${qv[@]}" alphanum -decode | hex)"
+check "alphanum: letters of the user's" 01234567 \
+    "$(printf '\000\104\062\024\307' | "${qv[@]}" alphanum -encode -alphabet=0123456789abcdefghijklmnopqrstuv)"
+"${qv[@]}" alphanum -encode "-in=$(path "$work/enciphered")" "-out=$(path "$work/letters")"
+"${qv[@]}" alphanum -decode "-in=$(path "$work/letters")" "-out=$(path "$work/bytes")"
+check "alphanum: a file comes back" 0 "$(cmp -s "$work/enciphered" "$work/bytes"; echo $?)"
+usage_alphanum="usage: qv alphanum -encode|-decode [-alphabet=LETTERS] [-in=FILE] [-out=FILE]"
+fails "alphanum: without a way" 2 "$usage_alphanum" "${qv[@]}" alphanum
+fails "alphanum: a foreign letter" 1 "qv: Invalid AlphaNum character [0x8BB34101]" "${qv[@]}" alphanum -decode "-in=$(path "$work/abc")"
+fails "alphanum: an alphabet too short" 1 "qv: bad argument [0x80070057]" "${qv[@]}" alphanum -encode -alphabet=abc "-out=$(path "$work/abc")"
+check "alphanum: the refused output is untouched" abc "$(cat "$work/abc")"
+
+check "guid" 1 "$("${qv[@]}" guid | grep -cE '^\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\}$')"
+check "guid: many" 100 "$("${qv[@]}" guid -count=100 | sort -u | wc -l)"
+check "guid: none" "" "$("${qv[@]}" guid -count=0)"
+fails "guid: bad count" 2 "usage: qv guid [-count=N]" "${qv[@]}" guid -count=x
+check tokens "a|b|" "$("${qv[@]}" tokens '-text=a;;b' '-delims=;' | tr '\n' '|')"
+check "tokens: delimiters kept" "a|;|;|b|" "$("${qv[@]}" tokens '-text=a;;b' '-delims=;' -keep | tr '\n' '|')"
+check "tokens: default delimiters" "a;b|" "$("${qv[@]}" tokens '-text=a;b' | tr '\n' '|')"
+fails "tokens: without a text" 2 "usage: qv tokens -text=TEXT [-delims=DELIMITERS] [-keep]" "${qv[@]}" tokens
 
 check "convert: to UTF-16" 6100e9002d4e3dd800de "$(printf 'a\303\251\344\270\255\360\237\230\200' | "${qv[@]}" convert -from=UTF-8 -to=UTF-16LE | hex)"
 check "convert: names in any case" 61e93f "$(printf 'a\303\251\344\270\255' | "${qv[@]}" convert -from=utf-8 -to=windows-1252 | hex)"
@@ -121,6 +176,9 @@ if [ $# -eq 1 ]; then # devices and pipes are this system's own
     wait "$converter"
     check "convert: memory does not grow with the input" "0 yes" \
         "$? $([ -n "$early" ] && [ $((late - early)) -lt 20000 ] && echo yes || echo "$early kB, then $late kB")"
+    check "cipher: a key of no bytes" 617971157f96fc3c "$(printf abcdefgh | "$1" cipher -encrypt '-key=""' | hex)"
+    check "tokens: quotes protect commas" "a|,|,|b|" "$("$1" tokens '-text="a,,b"' '-delims=","' -keep | tr '\n' '|')"
+    check "tokens: default delimiters are blanks" "a|b|" "$("$1" tokens '-text=a  b' | tr '\n' '|')"
     check "quotes protect commas" 'a,,b' "$("$1" normalize '-text="a,,b"')"
     check "text beyond ASCII" 'é\中' "$(LC_ALL=C.UTF-8 "$1" normalize -text=é/中)"
     "$1" lock -name="qv-test-$$" -hold=60000 >"$work/holder" &

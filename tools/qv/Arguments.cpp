@@ -48,14 +48,26 @@ void Arguments::check(std::span<const OptionRule> rules, int parameters) const {
 
 bool Arguments::has(const char16_t* name) const { return parser_.isPresent(name); }
 
+std::vector<String> Arguments::texts(const char16_t* name) const {
+    std::vector<String> values;
+    if (has(name)) {
+        const Reference<Element> option = parser_.getOption(name);
+        for (int i = 0; i < option->getValueCount(); ++i) {
+            values.push_back(option->getValueString(i));
+        }
+    }
+    return values;
+}
+
 std::optional<String> Arguments::text(const char16_t* name) const {
     if (!has(name)) {
         return std::nullopt;
     }
-    const Reference<Element> option = parser_.getOption(name);
     String text;
-    for (int i = 0; i < option->getValueCount(); ++i) {
-        text.append(i > 0 ? u"," : u"").append(option->getValueString(i));
+    const char16_t* separator = u"";
+    for (const String& value : texts(name)) {
+        text.append(separator).append(value);
+        separator = u",";
     }
     return text;
 }

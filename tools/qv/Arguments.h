@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace tool {
 
@@ -33,6 +34,8 @@ public:
     bool has(const char16_t* name) const;
     /// The value of an option. Commas, which separate values, are put back.
     std::optional<qv::String> text(const char16_t* name) const;
+    /// The values of an option one by one; none where the option is absent.
+    std::vector<qv::String> texts(const char16_t* name) const;
     /// @throws UsageError where the option is absent.
     qv::String requiredText(const char16_t* name) const;
     /// @throws UsageError for a value that is no number, or a negative one.

@@ -8,6 +8,13 @@ namespace {
 
 constexpr OptionRule convertOptions[] = {
     {u"from", true}, {u"to", true}, {u"in", true}, {u"out", true}, {u"strict", false}};
+constexpr OptionRule digestOptions[] = {{u"in", true}};
+constexpr OptionRule cipherOptions[] = {
+    {u"encrypt", false}, {u"decrypt", false}, {u"key", true}, {u"in", true}, {u"out", true}};
+constexpr OptionRule alphaNumOptions[] = {
+    {u"encode", false}, {u"decode", false}, {u"alphabet", true}, {u"in", true}, {u"out", true}};
+constexpr OptionRule guidOptions[] = {{u"count", true}};
+constexpr OptionRule tokensOptions[] = {{u"text", true}, {u"delims", true}, {u"keep", false}};
 constexpr OptionRule pathOptions[] = {{u"text", true}};
 constexpr OptionRule normalizeOptions[] = {{u"text", true}, {u"slash", true}};
 constexpr OptionRule lockOptions[] = {{u"name", true}, {u"hold", true}};
@@ -29,6 +36,18 @@ constexpr Command table[] = {
      {},
      0,
      &runClasses},
+    {u"digest", u"[-in=FILE[,FILE...]]", u"prints the MD5 digest of each file", digestOptions, 0,
+     &runDigest},
+    {u"cipher", u"-encrypt|-decrypt -key=HEX [-in=FILE] [-out=FILE]",
+     u"Blowfish, block by block of 8 bytes; of the key 0 to 60 bytes, of which 56 count",
+     cipherOptions, 0, &runCipher},
+    {u"alphanum", u"-encode|-decode [-alphabet=LETTERS] [-in=FILE] [-out=FILE]",
+     u"bytes as text of 32 letters; a length that is no multiple of 5 comes back a byte longer",
+     alphaNumOptions, 0, &runAlphaNum},
+    {u"guid", u"[-count=N]", u"makes fresh identifiers, one a line", guidOptions, 0, &runGuid},
+    {u"tokens", u"-text=TEXT [-delims=DELIMITERS] [-keep]",
+     u"splits a text, one token a line; delimiters are tokens with -keep", tokensOptions, 0,
+     &runTokens},
     {u"path", u"-text=PATH", u"takes a path apart", pathOptions, 0, &runPath},
     {u"normalize", u"-text=PATH [-slash=native|forward|back]", u"cleans a path", normalizeOptions,
      0, &runNormalize},

@@ -1,16 +1,13 @@
 // The command that converts a text from one encoding to another, in constant memory.
 
 #include "Commands.h"
+#include "Files.h"
 #include "qv/Exceptions.h"
-#include "qv/io/FileInputStream.h"
-#include "qv/io/FileOutputStream.h"
 #include "qv/text/charset/ByteToCharConverter.h"
 #include "qv/text/charset/CharToByteConverter.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
-#include <type_traits>
 #include <vector>
 
 namespace tool {
@@ -112,34 +109,6 @@ private:
     std::int32_t unitCount_ = 0;
     std::vector<signed char> encoded_;
 };
-
-Reference<InputStream> openInput(const std::optional<String>& path) {
-    return path ? Reference<InputStream>(qv::make<FileInputStream>(*path))
-                : Reference<InputStream>(FileInputStream::standardInput());
-}
-
-Reference<OutputStream> openOutput(const std::optional<String>& path) {
-    return path ? Reference<OutputStream>(qv::make<FileOutputStream>(*path, false))
-                : Reference<OutputStream>(FileOutputStream::standardOutput());
-}
-
-/// A path as the language's own library takes it.
-std::filesystem::path systemPath(String text) {
-    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>) {
-        text.translate(u'\\', u'/');
-        return text.getBytes();
-    } else {
-        return text.getData();
-    }
-}
-
-/// Whatever the two are called: a link is the file that it leads to.
-void refuseSameFile(const std::optional<String>& in, const std::optional<String>& out) {
-    std::error_code notThere; // a file that is not there yet is no other
-    if (in && out && std::filesystem::equivalent(systemPath(*in), systemPath(*out), notThere)) {
-        throw qv::Exception(u"input and output are the same file");
-    }
-}
 
 } // namespace
 
