@@ -1,6 +1,9 @@
 #include "face/ClassTable.h"
 
+#include "qv/Double.h"
 #include "qv/Exceptions.h"
+#include "qv/Integers.h"
+#include "qv/Number.h"
 #include "qv/String.h"
 #include "qv/io/AlphaNumInputStream.h"
 #include "qv/io/AlphaNumOutputStream.h"
@@ -26,6 +29,8 @@
 #include "qv/io/StdioInputStream.h"
 #include "qv/io/StdioOutputStream.h"
 #include "qv/io/StringWriter.h"
+#include "qv/math/BigDecimal.h"
+#include "qv/math/BigInteger.h"
 #include "qv/sync/Event.h"
 #include "qv/sync/FakeMutex.h"
 #include "qv/sync/Gate.h"
@@ -75,6 +80,8 @@ const ClassRow classTable[] = {
     abstract<util::AbstractCharBuffer>(u"CQVAbstractCharBuffer"),
     abstract<io::AlphaNumInputStream>(u"CQVAlphaNumInputStream"),
     abstract<io::AlphaNumOutputStream>(u"CQVAlphaNumOutputStream"),
+    concrete<math::BigDecimal>(u"CQVBigDecimal"),
+    concrete<math::BigInteger>(u"CQVBigInteger"),
     abstract<io::BitInputStream>(u"CQVBitInputStream"),
     abstract<io::BitOutputStream>(u"CQVBitOutputStream"),
     abstract<BTCSingleByte>(u"CQVBTCSingleByte"),
@@ -93,6 +100,7 @@ const ClassRow classTable[] = {
     abstract<ComObject>(u"CQVComObject"),
     abstract<io::DataInputStream>(u"CQVDataInputStream"),
     abstract<io::DataOutputStream>(u"CQVDataOutputStream"),
+    abstract<Double>(u"CQVDouble"),
     concrete<sync::Event, noName, 0u>(u"CQVEvent"),
     concrete<sync::FakeMutex>(u"CQVFakeMutex"),
     abstract<util::FilePath>(u"CQVFilePath"),
@@ -100,16 +108,22 @@ const ClassRow classTable[] = {
     abstract<io::FilterOutputStream>(u"CQVFilterOutputStream"),
     abstract<io::FilterReader>(u"CQVFilterReader"),
     abstract<io::FilterWriter>(u"CQVFilterWriter"),
+    abstract<Float>(u"CQVFloat"),
     concrete<sync::Gate, noName, 0u>(u"CQVGate"),
     abstract<util::Guid>(u"CQVGuid"),
     abstract<io::InputStream>(u"CQVInputStream"),
     abstract<io::InputStreamReader>(u"CQVInputStreamReader"),
+    abstract<Integer16>(u"CQVInteger16"),
+    abstract<Integer32>(u"CQVInteger32"),
+    abstract<Integer64>(u"CQVInteger64"),
+    abstract<Integer8>(u"CQVInteger8"),
     abstract<sync::LockObject>(u"CQVLockObject"),
     concrete<util::MTByteBuffer>(u"CQVMTByteBuffer"),
     concrete<util::MTCharBuffer>(u"CQVMTCharBuffer"),
     concrete<sync::Mutex, noName, 0u>(u"CQVMutex"),
     concrete<io::NullOutputStream>(u"CQVNullOutputStream"),
     concrete<io::NullWriter>(u"CQVNullWriter"),
+    abstract<Number>(u"CQVNumber"),
     concrete<Object>(u"CQVObject"),
     abstract<io::OutputStream>(u"CQVOutputStream"),
     abstract<io::OutputStreamWriter>(u"CQVOutputStreamWriter"),
@@ -121,11 +135,17 @@ const ClassRow classTable[] = {
     concrete<util::RWCharBuffer>(u"CQVRWCharBuffer"),
     concrete<sync::ReaderWriterLock, noName, 0u>(u"CQVRWLock"),
     concrete<sync::Semaphore, 0u, noName, 0u>(u"CQVSemaphore"),
+    abstract<SignedInteger>(u"CQVSignedInteger"),
     concrete<io::StdioInputStream>(u"CQVStdioInputStream"),
     concrete<io::StdioOutputStream>(u"CQVStdioOutputStream"),
     concrete<String>(u"CQVString"),
     concrete<io::StringWriter, 0>(u"CQVStringWriter"),
     abstract<sync::Object>(u"CQVSyncObject"),
+    abstract<UInteger16>(u"CQVUInteger16"),
+    abstract<UInteger32>(u"CQVUInteger32"),
+    abstract<UInteger64>(u"CQVUInteger64"),
+    abstract<UInteger8>(u"CQVUInteger8"),
+    abstract<UnsignedInteger>(u"CQVUnsignedInteger"),
     abstract<io::Writer>(u"CQVWriter"),
     abstract<AccessViolationException>(u"qv::AccessViolationException"),
     abstract<ArrayBoundsException>(u"qv::ArrayBoundsException"),

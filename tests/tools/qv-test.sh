@@ -34,7 +34,7 @@ hex() { od -An -tx1 -v | tr -d ' \n'; }
 path() { printf '%s' "$1"; }
 
 check version "qv 7.0.0" "$("${qv[@]}" version)"
-check "help names every command" 13 "$("${qv[@]}" help | grep -c '^  ')"
+check "help names every command" 15 "$("${qv[@]}" help | grep -c '^  ')"
 check "help of a command" "usage: qv lock -name=NAME [-hold=MILLISECONDS]" "$("${qv[@]}" help lock | head -1)"
 for command in $("${qv[@]}" help | tr -d '\r' | awk '/^  / { print $1 }'); do
     check "help of $command" "usage: qv $command" "$("${qv[@]}" help "$command" | head -1 | cut -d' ' -f1-3)"
@@ -114,6 +114,39 @@ check tokens "a|b|" "$("${qv[@]}" tokens '-text=a;;b' '-delims=;' | tr '\n' '|')
 check "tokens: delimiters kept" "a|;|;|b|" "$("${qv[@]}" tokens '-text=a;;b' '-delims=;' -keep | tr '\n' '|')"
 check "tokens: default delimiters" "a;b|" "$("${qv[@]}" tokens '-text=a;b' | tr '\n' '|')"
 fails "tokens: without a text" 2 "usage: qv tokens -text=TEXT [-delims=DELIMITERS] [-keep]" "${qv[@]}" tokens
+
+check "bigint: defaults" 123456789012345678901234567890 "$("${qv[@]}" bigint -op=add -a=123456789012345678901234567889 -b=1)"
+check "bigint: quotient and remainder" "-3 1" "$("${qv[@]}" bigint -op=div -a=-7 -b=2)"
+check "bigint: result in a radix" -ff "$("${qv[@]}" bigint -op=tostring -a=-255 -radix=16)"
+check "bigint: comparison" -1 "$("${qv[@]}" bigint -op=cmp -a=-7 -b=2 -radix=16)"
+check "bigint: modulus as the second operand" 2 "$("${qv[@]}" bigint -op=mod -a=-7 -b=3)"
+check "decimal: sum" 4.2 "$("${qv[@]}" decimal -op=add -a=1.5 -b=2.7)"
+check "decimal: difference" -1.2 "$("${qv[@]}" decimal -op=sub -a=1.5 -b=2.7)"
+check "decimal: product" 0.375 "$("${qv[@]}" decimal -op=mul -a=1.5 -b=0.25)"
+check "decimal: quotient" 0.67 "$("${qv[@]}" decimal -op=div -a=2 -b=3 -scale=2)"
+check "decimal: comparison" 1 "$("${qv[@]}" decimal -op=cmp -a=1.5 -b=1.4)"
+check "decimal: scale" 1.2 "$("${qv[@]}" decimal -op=setscale -a=1.25 -scale=1)"
+check "decimal: text" 1.5 "$("${qv[@]}" decimal -op=tostring -a=1.50)"
+bigint_usage="usage: qv bigint -op=add|sub|mul|div|mod|pow|modpow|modinv|gcd|cmp|tostring -a=N [-b=N] [-m=N] [-radix=R]"
+decimal_usage="usage: qv decimal -op=add|sub|mul|div|cmp|setscale|tostring -a=N [-b=N] [-scale=S]"
+fails "bigint: no operation" 2 "$bigint_usage" "${qv[@]}" bigint -a=1 -b=2
+fails "bigint: unknown operation" 2 "$bigint_usage" "${qv[@]}" bigint -op=root -a=1
+fails "bigint: operand missing" 2 "$bigint_usage" "${qv[@]}" bigint -op=add -a=1
+fails "bigint: bad radix" 2 "$bigint_usage" "${qv[@]}" bigint -op=tostring -a=1 -radix=37
+fails "bigint: division by zero" 1 "qv: Divide by zero." "${qv[@]}" bigint -op=div -a=1 -b=0
+fails "bigint: no number" 1 "qv: Number Format Exception" "${qv[@]}" bigint -op=tostring -a=1-2
+fails "bigint: no inverse" 1 "qv: Not invertible." "${qv[@]}" bigint -op=modinv -a=2 -m=4
+fails "bigint: negative exponent" 1 "qv: Negative Exponent" "${qv[@]}" bigint -op=pow -a=2 -b=-1
+fails "bigint: no room for the result" 1 "qv: out of memory [0x8007000E]" "${qv[@]}" bigint -op=pow -a=2 -b=99999999999
+fails "decimal: no scale" 2 "$decimal_usage" "${qv[@]}" decimal -op=div -a=1 -b=3
+fails "decimal: unknown operation" 2 "$decimal_usage" "${qv[@]}" decimal -op=mod -a=1 -b=3
+fails "decimal: division by zero" 1 "qv: Divide by zero." "${qv[@]}" decimal -op=div -a=1 -b=0 -scale=1
+if command -v python3 >/dev/null; then
+    check "bigint agrees with Python" "" \
+        "$(python3 "$(dirname "$0")/python-integers.py" "$([ $# -eq 1 ] && echo 500 || echo 5)" "${qv[@]}" 2>&1)"
+else
+    echo "skipped: bigint agrees with Python, which is not installed"
+fi
 
 check "convert: to UTF-16" 6100e9002d4e3dd800de "$(printf 'a\303\251\344\270\255\360\237\230\200' | "${qv[@]}" convert -from=UTF-8 -to=UTF-16LE | hex)"
 check "convert: names in any case" 61e93f "$(printf 'a\303\251\344\270\255' | "${qv[@]}" convert -from=utf-8 -to=windows-1252 | hex)"

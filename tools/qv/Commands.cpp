@@ -18,6 +18,10 @@ constexpr OptionRule tokensOptions[] = {{u"text", true}, {u"delims", true}, {u"k
 constexpr OptionRule pathOptions[] = {{u"text", true}};
 constexpr OptionRule normalizeOptions[] = {{u"text", true}, {u"slash", true}};
 constexpr OptionRule lockOptions[] = {{u"name", true}, {u"hold", true}};
+constexpr OptionRule bigIntOptions[] = {
+    {u"op", true}, {u"a", true}, {u"b", true}, {u"m", true}, {u"radix", true}};
+constexpr OptionRule decimalOptions[] = {
+    {u"op", true}, {u"a", true}, {u"b", true}, {u"scale", true}};
 
 constexpr Command table[] = {
     {u"help", u"[COMMAND]", u"lists the commands, or tells about one", {}, 1, &runHelp},
@@ -53,6 +57,11 @@ constexpr Command table[] = {
      0, &runNormalize},
     {u"lock", u"-name=NAME [-hold=MILLISECONDS]",
      u"takes a semaphore that processes share, and gives it back", lockOptions, 0, &runLock},
+    {u"bigint",
+     u"-op=add|sub|mul|div|mod|pow|modpow|modinv|gcd|cmp|tostring -a=N [-b=N] [-m=N] [-radix=R]",
+     u"calculates with integers of any size", bigIntOptions, 0, &runBigInt},
+    {u"decimal", u"-op=add|sub|mul|div|cmp|setscale|tostring -a=N [-b=N] [-scale=S]",
+     u"calculates with decimal numbers of any size", decimalOptions, 0, &runDecimal},
 };
 
 } // namespace

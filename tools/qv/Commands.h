@@ -36,5 +36,7 @@ void runTokens(const Arguments& arguments);
 void runPath(const Arguments& arguments);
 void runNormalize(const Arguments& arguments);
 void runLock(const Arguments& arguments);
+void runBigInt(const Arguments& arguments);
+void runDecimal(const Arguments& arguments);
 
 } // namespace tool

@@ -1,7 +1,9 @@
 // A locale with a decimal comma is made here, since a system may have none. The other system brings
 // its own along.
 
+#include "qv/Double.h"
 #include "qv/String.h"
+#include "qv/math/BigDecimal.h"
 #include "tests/support/ChildRole.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestProcess.h"
@@ -15,6 +17,19 @@
 using namespace qv;
 
 namespace {
+
+/// Numbers show and read the separator of the locale, but a decimal's point is part of its form.
+int checkNumbers() {
+    if (!Double(0.5).toString().equals(u"0,5") || Number::parseDouble(u"0,5") != 0.5) {
+        return 6;
+    }
+    if (!math::BigDecimal(-1.5).toString().equals(u"-1.5") ||
+        !math::BigDecimal(1.5f).toString().equals(u"1.5")) {
+        return 7;
+    }
+    const math::BigDecimal decimal(String(u"2.75"));
+    return decimal.toDouble() == 2.75 && decimal.toInt64() == 2 ? 0 : 8;
+}
 
 /// Runs in a process of its own, whose locale it changes. @return the number of what went wrong.
 int checkCommaLocale(const std::vector<std::string>& arguments) {
@@ -31,7 +46,10 @@ int checkCommaLocale(const std::vector<std::string>& arguments) {
     if (!String::valueOf(-1234567.0).equals(u"-1,23457e+06")) {
         return 4;
     }
-    return String::valueOf(1234567).equals(u"1234567") ? 0 : 5;
+    if (!String::valueOf(1234567).equals(u"1234567")) {
+        return 5;
+    }
+    return checkNumbers();
 }
 
 const support::ChildRole commaRole("decimal-comma", checkCommaLocale);
