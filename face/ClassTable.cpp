@@ -5,6 +5,9 @@
 #include "qv/Integers.h"
 #include "qv/Number.h"
 #include "qv/String.h"
+#include "qv/collections/qvcom/ArrayList.h"
+#include "qv/collections/qvcom/HashMap.h"
+#include "qv/collections/qvcom/LinkedList.h"
 #include "qv/io/AlphaNumInputStream.h"
 #include "qv/io/AlphaNumOutputStream.h"
 #include "qv/io/BitInputStream.h"
@@ -43,6 +46,7 @@
 #include "qv/text/charset/SingleByteConverters.h"
 #include "qv/text/charset/UTF16Converters.h"
 #include "qv/text/charset/UTF32Converters.h"
+#include "qv/util/Comparator.h"
 #include "qv/util/FilePath.h"
 #include "qv/util/Guid.h"
 #include "qv/util/MTBuffer.h"
@@ -80,6 +84,7 @@ const ClassRow classTable[] = {
     abstract<util::AbstractCharBuffer>(u"CQVAbstractCharBuffer"),
     abstract<io::AlphaNumInputStream>(u"CQVAlphaNumInputStream"),
     abstract<io::AlphaNumOutputStream>(u"CQVAlphaNumOutputStream"),
+    concrete<collections::qvcom::ArrayList>(u"CQVArrayList"),
     concrete<math::BigDecimal>(u"CQVBigDecimal"),
     concrete<math::BigInteger>(u"CQVBigInteger"),
     abstract<io::BitInputStream>(u"CQVBitInputStream"),
@@ -97,7 +102,11 @@ const ClassRow classTable[] = {
     abstract<Class>(u"qv::Class"),
     abstract<CTBSingleByte>(u"CQVCTBSingleByte"),
     abstract<CTBSingleByteTable>(u"CQVCTBSingleByteTable"),
+    abstract<collections::qvcom::Collection>(u"CQVCollection"),
     abstract<ComObject>(u"CQVComObject"),
+    abstract<util::Comparator>(u"CQVComparator"),
+    abstract<collections::qvcom::ConstIterator>(u"CQVConstIterator"),
+    abstract<collections::qvcom::ConstListIterator>(u"CQVConstListIterator"),
     abstract<io::DataInputStream>(u"CQVDataInputStream"),
     abstract<io::DataOutputStream>(u"CQVDataOutputStream"),
     abstract<Double>(u"CQVDouble"),
@@ -111,13 +120,19 @@ const ClassRow classTable[] = {
     abstract<Float>(u"CQVFloat"),
     concrete<sync::Gate, noName, 0u>(u"CQVGate"),
     abstract<util::Guid>(u"CQVGuid"),
+    concrete<collections::qvcom::HashMap>(u"CQVHashMap"),
     abstract<io::InputStream>(u"CQVInputStream"),
     abstract<io::InputStreamReader>(u"CQVInputStreamReader"),
     abstract<Integer16>(u"CQVInteger16"),
     abstract<Integer32>(u"CQVInteger32"),
     abstract<Integer64>(u"CQVInteger64"),
     abstract<Integer8>(u"CQVInteger8"),
+    abstract<collections::qvcom::Iterator>(u"CQVIterator"),
+    concrete<collections::qvcom::LinkedList>(u"CQVLinkedList"),
+    abstract<collections::qvcom::List>(u"CQVList"),
+    abstract<collections::qvcom::ListIterator>(u"CQVListIterator"),
     abstract<sync::LockObject>(u"CQVLockObject"),
+    abstract<collections::qvcom::Map>(u"CQVMap"),
     concrete<util::MTByteBuffer>(u"CQVMTByteBuffer"),
     concrete<util::MTCharBuffer>(u"CQVMTCharBuffer"),
     concrete<sync::Mutex, noName, 0u>(u"CQVMutex"),
@@ -135,6 +150,7 @@ const ClassRow classTable[] = {
     concrete<util::RWCharBuffer>(u"CQVRWCharBuffer"),
     concrete<sync::ReaderWriterLock, noName, 0u>(u"CQVRWLock"),
     concrete<sync::Semaphore, 0u, noName, 0u>(u"CQVSemaphore"),
+    abstract<collections::qvcom::Set>(u"CQVSet"),
     abstract<SignedInteger>(u"CQVSignedInteger"),
     concrete<io::StdioInputStream>(u"CQVStdioInputStream"),
     concrete<io::StdioOutputStream>(u"CQVStdioOutputStream"),
