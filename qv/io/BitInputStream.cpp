@@ -49,12 +49,24 @@ int BitInputStream::read(int bits) {
     if (qv::detail::exactly<BitInputStream>(this) != nullptr) {
         return take(bits);
     }
-    std::uint32_t result = 0;
-    for (; bits > 0; --bits) {
-        result =
-            result * 2 | static_cast<std::uint32_t>(readBit()); // which a derived class may see
+    return readBits(bits);
+}
+
+/// Bit by bit, for a derived class may see them.
+int BitInputStream::readBits(int bits) {
+    const std::int32_t current = current_;
+    const std::uint8_t left = bitsLeft_;
+    try {
+        std::uint32_t result = 0;
+        for (; bits > 0; --bits) {
+            result = result * 2 | static_cast<std::uint32_t>(readBit());
+        }
+        return static_cast<int>(result);
+    } catch (...) {
+        current_ = current;
+        bitsLeft_ = left;
+        throw;
     }
-    return static_cast<int>(result);
 }
 
 int BitInputStream::read() { return read(byteBits); }

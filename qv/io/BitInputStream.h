@@ -36,6 +36,7 @@ public:
 
 private:
     int take(int bits);
+    int readBits(int bits);
 
     std::int32_t current_ = 0;  ///< the byte in hand
     std::uint8_t bitsLeft_ = 0; ///< bits of it that were not read yet

@@ -43,8 +43,21 @@ void BitOutputStream::write(unsigned int value, int bits) {
         append(value, bits);
         return;
     }
-    for (int bit = bits - 1; bit >= 0; --bit) {
-        writeBit((value >> bit & 1) != 0); // which a derived class may see
+    writeBits(value, bits);
+}
+
+/// Bit by bit, for a derived class may see them.
+void BitOutputStream::writeBits(std::uint32_t value, int bits) {
+    const std::uint8_t current = current_;
+    const int count = bitCount_;
+    try {
+        for (int bit = bits - 1; bit >= 0; --bit) {
+            writeBit((value >> bit & 1) != 0);
+        }
+    } catch (...) {
+        current_ = current;
+        bitCount_ = count;
+        throw;
     }
 }
 

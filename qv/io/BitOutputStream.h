@@ -38,6 +38,7 @@ public:
 
 private:
     void append(std::uint32_t value, int bits);
+    void writeBits(std::uint32_t value, int bits);
 
     std::uint8_t current_ = 0; ///< the bits that wait, in the low end
     std::int32_t bitCount_ = 0;

@@ -103,6 +103,13 @@ check "alphanum: a file comes back" 0 "$(cmp -s "$work/enciphered" "$work/bytes"
 usage_alphanum="usage: qv alphanum -encode|-decode [-alphabet=LETTERS] [-in=FILE] [-out=FILE]"
 fails "alphanum: without a way" 2 "$usage_alphanum" "${qv[@]}" alphanum
 fails "alphanum: a foreign letter" 1 "qv: Invalid AlphaNum character [0x8BB34101]" "${qv[@]}" alphanum -decode "-in=$(path "$work/abc")"
+printf 'AB\200CDEFGH' >"$work/foreign"
+fails "alphanum: a byte that is no letter anywhere" 1 "qv: Invalid AlphaNum character [0x8BB34101]" \
+    "${qv[@]}" alphanum -decode "-in=$(path "$work/foreign")"
+accented=-alphabet=ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏABCDEFGHJKLMNPQR
+check "alphanum: accented letters" c0c0c041 "$(printf '\000\001' | "${qv[@]}" alphanum -encode "$accented" | hex)"
+check "alphanum: accented letters, back" 000100 \
+    "$(printf '\300\300\300\101' | "${qv[@]}" alphanum -decode "$accented" | hex)"
 fails "alphanum: an alphabet too short" 1 "qv: bad argument [0x80070057]" "${qv[@]}" alphanum -encode -alphabet=abc "-out=$(path "$work/abc")"
 check "alphanum: the refused output is untouched" abc "$(cat "$work/abc")"
 
@@ -126,6 +133,8 @@ check "decimal: product" 0.375 "$("${qv[@]}" decimal -op=mul -a=1.5 -b=0.25)"
 check "decimal: quotient" 0.67 "$("${qv[@]}" decimal -op=div -a=2 -b=3 -scale=2)"
 check "decimal: comparison" 1 "$("${qv[@]}" decimal -op=cmp -a=1.5 -b=1.4)"
 check "decimal: scale" 1.2 "$("${qv[@]}" decimal -op=setscale -a=1.25 -scale=1)"
+check "decimal: scale below the point" 12 "$("${qv[@]}" decimal -op=setscale -a=125 -scale=-1)"
+check "decimal: a scale is decimal" 0.33333333 "$("${qv[@]}" decimal -op=div -a=1 -b=3 -scale=08)"
 check "decimal: text" 1.5 "$("${qv[@]}" decimal -op=tostring -a=1.50)"
 bigint_usage="usage: qv bigint -op=add|sub|mul|div|mod|pow|modpow|modinv|gcd|cmp|tostring -a=N [-b=N] [-m=N] [-radix=R]"
 decimal_usage="usage: qv decimal -op=add|sub|mul|div|cmp|setscale|tostring -a=N [-b=N] [-scale=S]"
@@ -133,6 +142,9 @@ fails "bigint: no operation" 2 "$bigint_usage" "${qv[@]}" bigint -a=1 -b=2
 fails "bigint: unknown operation" 2 "$bigint_usage" "${qv[@]}" bigint -op=root -a=1
 fails "bigint: operand missing" 2 "$bigint_usage" "${qv[@]}" bigint -op=add -a=1
 fails "bigint: bad radix" 2 "$bigint_usage" "${qv[@]}" bigint -op=tostring -a=1 -radix=37
+fails "bigint: bad radix, with nothing to print in it" 2 "$bigint_usage" "${qv[@]}" bigint -op=cmp -a=1 -b=2 -radix=99
+fails "bigint: bad radix, in front of the calculation" 2 "$bigint_usage" \
+    "${qv[@]}" bigint -op=div -a=1 -b=0 -radix=1
 fails "bigint: division by zero" 1 "qv: Divide by zero." "${qv[@]}" bigint -op=div -a=1 -b=0
 fails "bigint: no number" 1 "qv: Number Format Exception" "${qv[@]}" bigint -op=tostring -a=1-2
 fails "bigint: no inverse" 1 "qv: Not invertible." "${qv[@]}" bigint -op=modinv -a=2 -m=4

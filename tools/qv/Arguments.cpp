@@ -80,17 +80,25 @@ String Arguments::requiredText(const char16_t* name) const {
     return *value;
 }
 
-std::optional<int> Arguments::count(const char16_t* name) const {
+std::optional<int> Arguments::number(const char16_t* name) const {
     const std::optional<String> value = text(name);
     if (!value) {
         return std::nullopt;
     }
     const char16_t* end = value->getData();
-    const int number = QVStrToLW(end, &end, 0);
-    if (value->isEmpty() || end != value->getData() + value->getLength() || number < 0) {
+    const int number = QVStrToLW(end, &end, 10);
+    if (value->isEmpty() || end != value->getData() + value->getLength()) {
         throw UsageError();
     }
     return number;
+}
+
+std::optional<int> Arguments::count(const char16_t* name) const {
+    const std::optional<int> count = number(name);
+    if (count && *count < 0) {
+        throw UsageError();
+    }
+    return count;
 }
 
 } // namespace tool

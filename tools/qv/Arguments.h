@@ -38,7 +38,9 @@ public:
     std::vector<qv::String> texts(const char16_t* name) const;
     /// @throws UsageError where the option is absent.
     qv::String requiredText(const char16_t* name) const;
-    /// @throws UsageError for a value that is no number, or a negative one.
+    /// A decimal number. @throws UsageError for a value that is none.
+    std::optional<int> number(const char16_t* name) const;
+    /// The same. @throws UsageError also for a negative one.
     std::optional<int> count(const char16_t* name) const;
 
 private:

@@ -25,6 +25,18 @@ const char16_t* unitsOf(const std::optional<String>& text) {
     return text ? text->getData() : nullptr;
 }
 
+/// A buffer in front of a source, whose one-byte reading gives every byte as 0 to 255.
+class BufferedBytes : public BufferedInputStream {
+public:
+    using BufferedInputStream::BufferedInputStream;
+    using BufferedInputStream::read;
+
+    int read() override {
+        signed char byte = 0;
+        return read(&byte, 1) > 0 ? static_cast<unsigned char>(byte) : -1;
+    }
+};
+
 void copy(InputStream& in, OutputStream& out) {
     forEachPiece(in,
                  [&](const signed char* bytes, std::int32_t count) { out.write(bytes, count); });
@@ -50,7 +62,7 @@ void runAlphaNum(const Arguments& arguments) {
         AlphaNumOutputStream letters(qv::make<BufferedOutputStream>(out.get()), unitsOf(alphabet));
         copy(*in, letters);
     } else {
-        AlphaNumInputStream letters(qv::make<BufferedInputStream>(in.get()), unitsOf(alphabet));
+        AlphaNumInputStream letters(qv::make<BufferedBytes>(in.get()), unitsOf(alphabet));
         copy(letters, *out);
     }
 }

@@ -20,18 +20,18 @@ namespace {
 /// The operands of one calculation, each read when it is asked for.
 class Operands {
 public:
-    explicit Operands(const Arguments& arguments) : arguments_(arguments) {}
-
-    int radix() const {
-        const int radix = arguments_.count(u"radix").value_or(10);
-        if (radix < 2 || radix > 36) {
+    /// @throws UsageError for a `-radix` that is none.
+    explicit Operands(const Arguments& arguments)
+        : arguments_(arguments), radix_(arguments.number(u"radix").value_or(10)) {
+        if (radix_ < 2 || radix_ > 36) {
             throw UsageError();
         }
-        return radix;
     }
+
+    int radix() const { return radix_; }
     /// @throws UsageError without a `-scale`, as all of these.
     int scale() const {
-        const std::optional<int> scale = arguments_.count(u"scale");
+        const std::optional<int> scale = arguments_.number(u"scale");
         if (!scale) {
             throw UsageError();
         }
@@ -48,6 +48,7 @@ public:
 
 private:
     const Arguments& arguments_;
+    int radix_;
 };
 
 /// An operation by its name: it gives the line to print.

@@ -215,6 +215,18 @@ TEST(AlphaNumOutputStreamTest, AFlushThatFailsLeavesTheRestAsItWas) {
     EXPECT_EQ(textOf(sink->bytes), "96");
 }
 
+TEST(AlphaNumOutputStreamTest, AFlushThatTheSinkRefusesLeavesTheRestAsItWas) {
+    const auto sink = make<CallsSink>();
+    io::AlphaNumOutputStream out(sink);
+    out.write(static_cast<signed char>(-1));
+    sink->failsToFlush = true;
+    EXPECT_THROW(out.flush(), io::IoException);
+    out.flush();
+    EXPECT_EQ(textOf(sink->bytes), "966");
+    out.flush();
+    EXPECT_EQ(textOf(sink->bytes), "966");
+}
+
 TEST(AlphaNumInputStreamTest, TextsOfWholeGroupsComeBack) {
     for (int length = 0; length <= 65; length += 5) {
         EXPECT_EQ(decoded(encoded(sample(length))), sample(length)) << length;

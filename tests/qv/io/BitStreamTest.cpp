@@ -165,6 +165,17 @@ TEST(BitOutputStreamTest, AFlushThatFailsLeavesTheBitsAsTheyWere) {
     EXPECT_EQ(toHex(w.sink->bytes), "b0");
 }
 
+TEST(BitOutputStreamTest, AFlushThatTheSinkRefusesLeavesTheBitsAsTheyWere) {
+    Writer w;
+    w.out.writeBit(true);
+    w.sink->failsToFlush = true;
+    EXPECT_THROW(w.out.flush(), io::IoException);
+    w.out.flush();
+    EXPECT_EQ(toHex(w.sink->bytes), "8080");
+    w.out.flush();
+    EXPECT_EQ(toHex(w.sink->bytes), "8080");
+}
+
 TEST(BitInputStreamTest, ReadsFieldsMostSignificantBitFirst) {
     Reader r("B0FF");
     EXPECT_EQ(r.in.read(3), 5);
@@ -336,6 +347,22 @@ TEST(BitStreamTest, ADerivedClassSeesEveryBit) {
     EXPECT_EQ(in.read(), 0x45);
     EXPECT_EQ(in.read(5), -1);
     EXPECT_EQ(in.bits, 25);
+}
+
+TEST(BitStreamTest, AFailureLeavesTheBitsOfADerivedClassAsTheyWere) {
+    const auto sink = make<CallsSink>();
+    CountingOutput out(sink);
+    out.write(5, 3);
+    sink->failsAt = 0;
+    EXPECT_THROW(out.write(0x1F, 5), io::IoException);
+    out.write(0x1F, 5);
+    EXPECT_EQ(toHex(sink->bytes), "bf");
+    const auto source = make<CallsSource>(support::fromHex("BFA5"));
+    CountingInput in(source);
+    EXPECT_EQ(in.read(3), 5);
+    source->failsAt = 1;
+    EXPECT_THROW(in.read(8), io::IoException);
+    EXPECT_EQ(in.read(8), 0xFD);
 }
 
 TEST(BitStreamTest, FailOnFirstUseWithNothingToWrap) {

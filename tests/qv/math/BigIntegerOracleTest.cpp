@@ -287,6 +287,14 @@ TEST(BigIntegerOracleTest, RareBranchesOfDivisionAgreeWithTheForeignOnes) {
     }
 }
 
+void compareModularPower(const BigInteger& a, const BigInteger& e, const BigInteger& m) {
+    Foreign expected;
+    mpz_powm(expected.value, Foreign(a).value, Foreign(e).value, Foreign(m).value);
+    BigInteger number(a);
+    number.modPow(e, m);
+    EXPECT_TRUE(same(number, expected)) << hex(a) << " " << hex(e) << " " << hex(m);
+}
+
 TEST(BigIntegerOracleTest, ModularPowersAgreeWithTheForeignOnes) {
     std::mt19937 random(8);
     for (int i = 0; i < 400; ++i) {
@@ -299,11 +307,23 @@ TEST(BigIntegerOracleTest, ModularPowersAgreeWithTheForeignOnes) {
         if (m.isZero() || e.isZero()) {
             continue;
         }
-        Foreign expected;
-        mpz_powm(expected.value, Foreign(a).value, Foreign(e).value, Foreign(m).value);
-        BigInteger number(a);
-        number.modPow(e, m);
-        EXPECT_TRUE(same(number, expected)) << hex(a) << " " << hex(e) << " " << hex(m);
+        compareModularPower(a, e, m);
+    }
+}
+
+/// Of the sizes that keys have.
+TEST(BigIntegerOracleTest, GreatModularPowersAgreeWithTheForeignOnes) {
+    std::mt19937 random(11);
+    for (int i = 0; i < 30; ++i) {
+        BigInteger a = randomNumber(random, 600);
+        BigInteger e = randomNumber(random, 90);
+        BigInteger m = randomNumber(random, 240);
+        a.abs();
+        e.abs();
+        m.abs();
+        e.setBit(800 + static_cast<int>(random() % 1600));
+        m.setBit(2000 + static_cast<int>(random() % 2000)); // odd or even
+        compareModularPower(a, e, m);
     }
 }
 

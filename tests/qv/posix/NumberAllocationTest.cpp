@@ -47,26 +47,44 @@ void PrintTo(const Case& tested, std::ostream* out) { *out << tested.name; }
 
 class BigIntegerAllocationTest : public testing::TestWithParam<Case> {};
 
-/// Sizes at which each method has its turn.
+/// A number whose words have all their bits set: a sum has a carry to go somewhere.
+BigInteger allOnes(int words) {
+    BigInteger number;
+    number.setBit(64 * words);
+    number.subtract(BigInteger::ONE);
+    return number;
+}
+
+/// @return how often an operation on the number failed.
+std::size_t failEach(const Case& tested, const BigInteger& before, const BigInteger& otherBefore) {
+    BigInteger number(before);
+    BigInteger other(otherBefore);
+    const std::size_t failures = failEach([&] { tested.run(number, other); },
+                                          [&] {
+                                              EXPECT_EQ(number.compareTo(before), 0);
+                                              EXPECT_EQ(other.compareTo(otherBefore), 0);
+                                          });
+    BigInteger expected(before);
+    tested.run(expected, other);
+    EXPECT_EQ(number.compareTo(expected), 0);
+    return failures;
+}
+
+/// Sizes at which each method has its turn, and operands that are shorter and longer.
 TEST_P(BigIntegerAllocationTest, FailureAtEveryAllocationLosesNothing) {
+    std::size_t failures = 0;
     for (const int exponent : {1, 40, 500, 5000}) {
-        const BigInteger before = powerOf(-7, exponent);
-        BigInteger other = powerOf(3, 2 * exponent / 3);
-        BigInteger number(before);
-        const BigInteger otherBefore(other);
-        failEach([&] { GetParam().run(number, other); },
-                 [&] {
-                     EXPECT_EQ(number.compareTo(before), 0);
-                     EXPECT_EQ(other.compareTo(otherBefore), 0);
-                 });
-        BigInteger expected(before);
-        GetParam().run(expected, other);
-        EXPECT_EQ(number.compareTo(expected), 0);
+        for (const BigInteger& before : {powerOf(-7, exponent), allOnes(exponent / 20 + 1)}) {
+            failures += failEach(GetParam(), before, powerOf(3, 2 * exponent / 3));
+            failures += failEach(GetParam(), before, powerOf(3, 2 * exponent + 100));
+        }
     }
+    EXPECT_GT(failures, 0u);
 }
 
 constexpr Case cases[] = {
-    {"Add", [](BigInteger& number, const BigInteger& other) { number.subtract(other); }},
+    {"Add", [](BigInteger& number, const BigInteger& other) { number.add(other); }},
+    {"Subtract", [](BigInteger& number, const BigInteger& other) { number.subtract(other); }},
     {"AddItself", [](BigInteger& number, const BigInteger&) { number.add(number); }},
     {"Multiply", [](BigInteger& number, const BigInteger& other) { number.multiply(other); }},
     {"MultiplyItself", [](BigInteger& number, const BigInteger&) { number.multiply(number); }},
@@ -112,18 +130,28 @@ TEST(NumberAllocationTest, ADivisionThatFailsLeavesItsRemainderToo) {
 }
 
 TEST(NumberAllocationTest, DecimalsStayAsTheyWere) {
-    BigDecimal number(powerOf(7, 600), 100);
-    const BigDecimal other(powerOf(-3, 500), 30);
-    const auto isUnchanged = [&] {
-        EXPECT_EQ(number.compareTo(BigDecimal(powerOf(7, 600), 100)), 0);
-        EXPECT_EQ(number.getScale(), 100);
-    };
-    EXPECT_GT(failEach([&] { BigDecimal(number).divide(other, 400); }, isUnchanged), 3u);
-    failEach([&] { BigDecimal(number).multiply(other); }, isUnchanged);
-    EXPECT_GT(failEach([&] { static_cast<void>(BigDecimal(number.toString())); }, isUnchanged), 0u);
-    const BigDecimal scaled(number);
-    EXPECT_GT(failEach([&] { number.setScale(900); }, isUnchanged), 1u);
-    EXPECT_EQ(number.getScale(), 900);
+    const BigDecimal before(powerOf(7, 600), 100);
+    const BigDecimal other(powerOf(-3, 5000), 130);
+    using Operation = void (*)(BigDecimal & number, const BigDecimal& other);
+    for (const Operation operation : {
+             Operation([](BigDecimal&number, const BigDecimal&x) { number.add(x); }),
+             Operation([](BigDecimal&number, const BigDecimal&x) { number.subtract(x); }),
+             Operation([](BigDecimal&number, const BigDecimal&x) { number.multiply(x); }),
+             Operation([](BigDecimal&number, const BigDecimal&x) { number.divide(x, 3000); }),
+             Operation([](BigDecimal&number, const BigDecimal&) { number.setScale(900); }),
+             Operation([](BigDecimal&number, const BigDecimal&x) { number = x; }),
+         }) {
+        BigDecimal number(before);
+        const std::size_t failures = failEach([&] { operation(number, other); },
+                                              [&] {
+                                                  EXPECT_EQ(number.compareTo(before), 0);
+                                                  EXPECT_EQ(number.getScale(), 100);
+                                              });
+        EXPECT_GT(failures, 0u);
+        BigDecimal expected(before);
+        operation(expected, other);
+        EXPECT_EQ(number.toString(), expected.toString());
+    }
 }
 
 TEST(NumberAllocationTest, FailureOnTheComponentFaceIsItsResult) {

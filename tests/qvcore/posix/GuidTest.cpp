@@ -4,6 +4,8 @@
 #include "qvcore/Guid.h"
 
 #include "qv/Results.h"
+#include "qv/util/Guid.h"
+#include "tests/support/Throws.h"
 
 #include <cerrno>
 #include <cstring>
@@ -89,6 +91,8 @@ TEST(GuidSourceTest, AFailureIsAResultAndNoWeakValue) {
     GUID guid = allOnes;
     EXPECT_EQ(QVComGenerateGUID(&guid), qv::detail::result(0x80070032u));
     EXPECT_EQ(QVComCompareGUID(&guid, &allOnes), 0) << "untouched";
+    EXPECT_EQ(support::thrownResult([] { qv::util::Guid::Generate(); }),
+              qv::detail::result(0x80070032u));
 }
 
 } // namespace
