@@ -37,7 +37,9 @@ bool ArrayList::add(int index, IQVUnknown* element) {
 
 void ArrayList::clear() {
     for (int i = getSize() - 1; i >= 0; --i) {
-        remove(i);
+        if (i < getSize()) { // an element that ends may take others out
+            remove(i);
+        }
     }
     detail::countChange(modCount_);
 }

@@ -217,6 +217,24 @@ TEST(AbstractMapTest, TakesComparators) {
     EXPECT_EQ(comparator->GetRefCount(), 3u);
 }
 
+TEST(AbstractMapTest, AsksTheComparatorOfEachSideTheStoredOneFirst) {
+    using Asked = std::vector<std::u16string>;
+    const auto keys = make<InitialComparator>();
+    const auto values = make<InitialComparator>();
+    const auto map = make<PairMap>(keys.get(), values.get());
+    map->pair(u"apple", u"one");
+    EXPECT_TRUE(map->containsKey(Text(u"a")));
+    EXPECT_EQ(show(map->get(Text(u"av"))), u"one");
+    EXPECT_EQ(keys->asked, (Asked{u"apple,a", u"apple,av"}));
+    EXPECT_EQ(values->asked, Asked());
+    EXPECT_TRUE(map->containsValue(Text(u"o")));
+    EXPECT_EQ(values->asked, (Asked{u"one,o"}));
+    keys->asked.clear();
+    EXPECT_EQ(show(map->remove(Text(u"as"))), u"one");
+    EXPECT_EQ(keys->asked, (Asked{u"apple,as"}));
+    EXPECT_EQ(values->asked, (Asked{u"one,o"}));
+}
+
 TEST(AbstractMapTest, ViewsWalkTheEntries) {
     const auto map = pairMap();
     EXPECT_EQ(show(*map->createKeySet()), u"a b a");

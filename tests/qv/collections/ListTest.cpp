@@ -155,8 +155,12 @@ TYPED_TEST(ListTest, FindsByTheComparatorTheStoredElementFirst) {
     comparator->asked.clear();
     EXPECT_EQ(list->lastIndexOf(Text(u"b")), 1);
     EXPECT_EQ(comparator->asked, (std::vector<std::u16string>{u"avocado,b", u"berry,b"}));
+    comparator->asked.clear();
     EXPECT_TRUE(list->contains(Text(u"av")));
+    EXPECT_EQ(comparator->asked, (std::vector<std::u16string>{u"apple,av"}));
+    comparator->asked.clear();
     EXPECT_TRUE(list->remove(Text(u"a")));
+    EXPECT_EQ(comparator->asked, (std::vector<std::u16string>{u"apple,a"}));
     EXPECT_EQ(show(*list), u"berry avocado");
     EXPECT_EQ(comparator->GetRefCount(), 2u);
 }
@@ -463,6 +467,19 @@ TYPED_TEST(OwnListTest, ElementThatEndsInAClearMayAppend) {
     list->add(raw(make<AtEnd>([&] { list->add(Text(u"last words")); })));
     list->clear();
     EXPECT_EQ(show(*list), u"last words");
+}
+
+TYPED_TEST(OwnListTest, ElementThatEndsInAClearMayTakeOthersOut) {
+    const auto list = make<TypeParam>();
+    list->add(nullptr);
+    list->add(raw(make<AtEnd>([&] {
+        if (!list->isEmpty()) {
+            list->remove(0);
+        }
+    })));
+    list->add(nullptr);
+    list->clear();
+    EXPECT_TRUE(list->isEmpty());
 }
 
 TYPED_TEST(OwnListTest, CollectsTheElementsOfAnother) {

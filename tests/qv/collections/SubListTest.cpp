@@ -57,6 +57,23 @@ TYPED_TEST(SubListTest, ChangesGoThrough) {
     EXPECT_EQ(this->view->getSize(), 4);
 }
 
+TEST(SubListOfOthersTest, ARefusedElementIsNotCounted) {
+    const auto list = filled<SmallList>({u"a", u"b"});
+    const auto view = list->createSubList(0, 2);
+    list->refuses = true;
+    EXPECT_FALSE(view->add(0, Text(u"x")));
+    EXPECT_EQ(view->getSize(), 2);
+    EXPECT_EQ(show(view->get(1)), u"b");
+}
+
+TEST(SubListOfOthersTest, KeptAWalkCountsARefusedElementToo) {
+    const auto list = filled<SmallList>({u"a", u"b"});
+    const auto view = list->createSubList(0, 2);
+    list->refuses = true;
+    EXPECT_FALSE(view->createListIterator(0)->add(Text(u"x")));
+    EXPECT_EQ(view->getSize(), 3);
+}
+
 TYPED_TEST(SubListTest, IndexOutsideIsARangeErrorBeforeAnythingElse) {
     this->list->add(0, Text(u"x"));
     for (const int index :
