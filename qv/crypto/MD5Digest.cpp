@@ -129,7 +129,8 @@ void MD5Digest::getDigest(signed char* out, int length) {
     static constexpr signed char padding[blockLength] = {-128};
     const std::uint64_t bitCount = bitCount_;
     const int held = static_cast<int>(bitCount / 8 % blockLength);
-    update(padding, (held < lengthStart ? lengthStart : lengthStart + blockLength) - held);
+    MD5Digest::update(padding,
+                      (held < lengthStart ? lengthStart : lengthStart + blockLength) - held);
     qv::detail::storeNumber(buffer_ + lengthStart, bitCount);
     transform(buffer_, 1);
     std::memcpy(out, state_, digestLength);

@@ -135,6 +135,21 @@ TEST(MD5DigestTest, ADigestEndsTheMessage) {
     EXPECT_EQ(support::toHex(digestOf(digest)), "0cc175b9c0f1b6a831c399e269772661");
 }
 
+TEST(MD5DigestTest, ADerivedDigestSeesTheMessageAlone) {
+    struct Counting : crypto::MD5Digest {
+        void update(const signed char* data, int length) override {
+            count += length;
+            MD5Digest::update(data, length);
+        }
+        int count = 0;
+    };
+    Counting digest;
+    const Bytes message = {'a', 'b', 'c'};
+    digest.update(message.data(), 3);
+    EXPECT_EQ(support::toHex(digestOf(digest)), "900150983cd24fb0d6963f7d28e17f72");
+    EXPECT_EQ(digest.count, 3);
+}
+
 TEST(MD5DigestTest, AResetForgetsTheMessage) {
     crypto::MD5Digest digest;
     update(digest, randomBytes(100));

@@ -365,6 +365,23 @@ TEST(BitStreamTest, AFailureLeavesTheBitsOfADerivedClassAsTheyWere) {
     EXPECT_EQ(in.read(8), 0xFD);
 }
 
+template <class Output>
+void failInTheMiddleOfAField() {
+    const auto sink = make<CallsSink>();
+    Output out(sink);
+    out.write(5, 3);
+    sink->failsAt = 1;
+    EXPECT_THROW(out.write(0x1ABC, 13), io::IoException);
+    EXPECT_EQ(toHex(sink->bytes), "ba") << "a byte went out";
+    out.flush();
+    EXPECT_EQ(toHex(sink->bytes), "baa0");
+}
+
+TEST(BitStreamTest, AFailureInTheMiddleOfAFieldLeavesTheBitsInFrontOfIt) {
+    failInTheMiddleOfAField<io::BitOutputStream>();
+    failInTheMiddleOfAField<CountingOutput>();
+}
+
 TEST(BitStreamTest, FailOnFirstUseWithNothingToWrap) {
     io::BitInputStream in(nullptr);
     EXPECT_THROW(in.readBit(), IllegalStateException);

@@ -30,6 +30,7 @@ TEST(StringTokenizerTest, SplitsAtDelimiters) {
     EXPECT_EQ(all(StringTokenizer(u"a,,b", u",", false)), (Tokens{u"a", u"b"}));
     EXPECT_EQ(all(StringTokenizer(u",a;b,;", u",;", false)), (Tokens{u"a", u"b"}));
     EXPECT_EQ(all(StringTokenizer(u"one", u",", false)), (Tokens{u"one"}));
+    EXPECT_EQ(all(StringTokenizer(u"aXbxc", u"x", false)), (Tokens{u"aXb", u"c"}));
 }
 
 TEST(StringTokenizerTest, DelimitersAreTokensWhereAskedFor) {
