@@ -543,6 +543,26 @@ TEST(HashMapTest, CopyOfAMapGetsTwiceItsSizeInBuckets) {
     EXPECT_TRUE(order(0).empty());
 }
 
+TEST(HashMapTest, CopyOfAMapTakesItsSizeAndTheLoadThatIsGiven) {
+    const auto source = make<HashMap>();
+    put(*source, {0, 11, 22, 33, 44}); // one chain in 11 buckets
+    const auto& map = static_cast<const Map&>(*source);
+    const auto comparator = collections::GetDefaultComparator();
+    const Reference<HashMap> never[] = {
+        make<HashMap>(map, 100.0f), make<HashMap>(map, comparator.get(), comparator.get(), 100.0f)};
+    const Reference<HashMap> often[] = {
+        make<HashMap>(map, 0.1f), make<HashMap>(map, comparator.get(), comparator.get(), 0.1f)};
+    for (const auto& copy : never) {
+        put(*copy, {55, 66, 77, 88, 99});
+        EXPECT_EQ(keysOf(*copy), (std::vector<int>{99, 88, 77, 66, 55, 0, 11, 22, 33, 44}))
+            << "all in one chain still, the last in front; 44 was walked, and put, first";
+    }
+    for (const auto& copy : often) {
+        EXPECT_EQ(keysOf(*copy), (std::vector<int>{44, 33, 22, 11, 0}))
+            << "by value, in more buckets than there are values";
+    }
+}
+
 TEST(HashMapTest, CopyOfAMapTakesComparators) {
     const auto source = make<HashMap>();
     source->put(Text(u"apple"), Text(u"red"));
@@ -793,6 +813,20 @@ TEST(HashMapViewTest, EntrySetContainsEqualPairs) {
     EXPECT_THROW(map->createEntrySet()->contains(nullptr), CastFailedException);
 }
 
+TEST(HashMapViewTest, EntrySetAsksTheComparatorOfEachSideTheStoredOneFirst) {
+    using Asked = std::vector<std::u16string>;
+    const auto keys = make<InitialComparator>();
+    const auto values = make<InitialComparator>();
+    const auto map = make<HashMap>(keys.get(), values.get(), 11, 1.0f);
+    map->put(Text(u"apple"), Text(u"red"));
+    const auto other = make<HashMap>();
+    other->put(Text(u"avocado"), Text(u"rosy"));
+    const auto entry = other->createEntrySet()->createIterator()->next();
+    EXPECT_TRUE(map->createEntrySet()->contains(entry));
+    EXPECT_EQ(keys->asked, (Asked{u"apple,avocado"}));
+    EXPECT_EQ(values->asked, (Asked{u"red,rosy"}));
+}
+
 /// By address, since entries answer no order: whatever the map has its keys compared by.
 TEST(HashMapViewTest, EntrySetRemovesByTheDefaultComparator) {
     const auto comparator = make<InitialComparator>();
@@ -847,6 +881,22 @@ TEST(HashMapViewTest, ViewsUseTheMapsComparators) {
     EXPECT_TRUE(map->createValueCollection()->containsAll(*filled<ArrayList>({u"r"})));
     EXPECT_TRUE(map->createValueCollection()->removeAll(*filled<ArrayList>({u"r"})));
     EXPECT_TRUE(map->isEmpty());
+}
+
+TEST(HashMapViewTest, ViewsRemoveByTheComparatorOfTheirSide) {
+    using Asked = std::vector<std::u16string>;
+    const auto keys = make<InitialComparator>();
+    const auto values = make<InitialComparator>();
+    const auto map = make<HashMap>(keys.get(), values.get(), 11, 1.0f);
+    map->put(Text(u"apple"), Text(u"red"));
+    EXPECT_TRUE(map->createValueCollection()->remove(Text(u"r")));
+    EXPECT_EQ(keys->asked, Asked());
+    EXPECT_EQ(values->asked, (Asked{u"red,r"}));
+    map->put(Text(u"apple"), Text(u"red"));
+    values->asked.clear();
+    EXPECT_TRUE(map->createKeySet()->remove(Text(u"a")));
+    EXPECT_EQ(keys->asked, (Asked{u"apple,a"}));
+    EXPECT_EQ(values->asked, Asked());
 }
 
 TEST(HashMapViewTest, RetainAllOfKeysFailsBehindItsOwnRemovalAsKept) {
