@@ -8,6 +8,7 @@
 #include "tests/support/Throws.h"
 
 #include <limits>
+#include <utility>
 
 using namespace qv;
 using math::BigInteger;
@@ -602,6 +603,15 @@ TEST(BigIntegerTest, KeptTheTopBitIsMaskedOff) {
     EXPECT_EQ(big(u"-9223372036854775808").toInt64(), 0);
     EXPECT_EQ(big(u"-9223372036854775813").toInt64(), -5);
     EXPECT_EQ(big(u"18446744073709551616").toDouble(), 0.0);
+}
+
+TEST(BigIntegerTest, WhatCannotBeInvertedStaysAsItWas) {
+    constexpr std::pair<int, int> pairs[] = {{2, 4}, {4, 6}, {6, 15}, {10, 24}};
+    for (const auto& [value, modulus] : pairs) {
+        BigInteger number(value);
+        EXPECT_EQ(refused([&] { number.modInverse(modulus); }), "Not invertible.");
+        EXPECT_EQ(number.compareTo(value), 0) << value << " modulo " << modulus;
+    }
 }
 
 } // namespace

@@ -96,12 +96,6 @@ constexpr Case cases[] = {
     {"Mod", [](BigInteger& number, const BigInteger& other) { number.mod(other); }},
     {"Pow", [](BigInteger& number, const BigInteger&) { number.pow(5); }},
     {"ModPow", [](BigInteger& number, const BigInteger& other) { number.modPow(9, other); }},
-    {"ModInverse",
-     [](BigInteger& number, const BigInteger& other) {
-         BigInteger small(other);
-         small.modInverse(13);
-         number = small;
-     }},
     {"Gcd", [](BigInteger& number, const BigInteger& other) { number.gcd(other); }},
     {"SetBit", [](BigInteger& number, const BigInteger&) { number.setBit(100000); }},
     {"Assign", [](BigInteger& number, const BigInteger& other) { number = other; }},
@@ -127,6 +121,18 @@ TEST(NumberAllocationTest, ADivisionThatFailsLeavesItsRemainderToo) {
                                               EXPECT_EQ(remainder.toString(), u"5");
                                           });
     EXPECT_GT(failures, 1u);
+}
+
+TEST(NumberAllocationTest, AnInversionThatFailsLeavesTheNumber) {
+    const BigInteger before = powerOf(7, 600);
+    BigInteger number(before);
+    const BigInteger modulus = powerOf(3, 700);
+    const std::size_t failures = failEach([&] { number.modInverse(modulus); },
+                                          [&] { EXPECT_EQ(number.compareTo(before), 0); });
+    EXPECT_GT(failures, 10u);
+    number.multiply(before);
+    number.mod(modulus);
+    EXPECT_EQ(number.toString(), u"1");
 }
 
 TEST(NumberAllocationTest, DecimalsStayAsTheyWere) {
