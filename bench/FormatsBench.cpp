@@ -399,68 +399,64 @@ private:
     io::ByteBuffer bytes_{size, QV_ENDIAN_BIG, false};
 };
 
-template <class Memory>
-void putNext(benchmark::State& state) {
+/// Measures a pass over all numbers of a memory.
+template <class Memory, class Pass>
+void measurePass(benchmark::State& state, Pass pass) {
     Memory memory;
     DoNotOptimize(&memory);
     for (auto _ : state) {
+        pass(memory);
+        benchmark::ClobberMemory();
+    }
+    countBytes(state);
+}
+
+template <class Memory>
+void putNext(benchmark::State& state) {
+    measurePass<Memory>(state, [](Memory& memory) {
         memory.rewind();
         for (int i = 0; i < numbers; ++i) {
             memory.put(i);
         }
-        benchmark::ClobberMemory();
-    }
-    countBytes(state);
+    });
 }
 BENCHMARK(putNext<Buffer>)->Name("put_int32/qv");
 BENCHMARK(putNext<Plain>)->Name("put_int32/plain");
 
 template <class Memory>
 void putAt(benchmark::State& state) {
-    Memory memory;
-    DoNotOptimize(&memory);
-    for (auto _ : state) {
+    measurePass<Memory>(state, [](Memory& memory) {
         for (int i = 0; i < numbers; ++i) {
             memory.put(static_cast<unsigned>(i) * 4, i);
         }
-        benchmark::ClobberMemory();
-    }
-    countBytes(state);
+    });
 }
 BENCHMARK(putAt<Buffer>)->Name("put_int32_at/qv");
 BENCHMARK(putAt<Plain>)->Name("put_int32_at/plain");
 
 template <class Memory>
 void getNext(benchmark::State& state) {
-    Memory memory;
-    DoNotOptimize(&memory);
-    for (auto _ : state) {
+    measurePass<Memory>(state, [](Memory& memory) {
         std::int32_t all = 0;
         memory.rewind();
         for (int i = 0; i < numbers; ++i) {
             all ^= memory.get();
         }
         DoNotOptimize(all);
-        benchmark::ClobberMemory();
-    }
-    countBytes(state);
+    });
 }
 BENCHMARK(getNext<Buffer>)->Name("get_int32/qv");
 BENCHMARK(getNext<Plain>)->Name("get_int32/plain");
 
 template <class Memory>
 void getAt(benchmark::State& state) {
-    Memory memory;
-    DoNotOptimize(&memory);
-    for (auto _ : state) {
+    measurePass<Memory>(state, [](Memory& memory) {
         std::int32_t all = 0;
         for (unsigned i = 0; i < size; i += 4) {
             all ^= memory.get(i);
         }
         DoNotOptimize(all);
-        benchmark::ClobberMemory();
-    }
-    countBytes(state);
+    });
 }
 BENCHMARK(getAt<Buffer>)->Name("get_int32_at/qv");
 BENCHMARK(getAt<Plain>)->Name("get_int32_at/plain");

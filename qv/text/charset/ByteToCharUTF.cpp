@@ -1,5 +1,6 @@
 #include "qv/text/charset/ByteToCharUTF.h"
 
+#include "qv/detail/NumberBytes.h"
 #include "qv/text/charset/detail/WordOrder.h"
 
 namespace qv::text::charset {
@@ -27,7 +28,8 @@ std::int32_t ByteToCharUTF::sameEncodingConvert(const signed char* src, std::int
         break;
     case detail::WordOrder::custom:
         for (std::int32_t i = 0; i < count; ++i) {
-            out[i] = convertUTF16(detail::loadWord<unsigned short>(in + std::ptrdiff_t{2} * i));
+            out[i] =
+                convertUTF16(qv::detail::loadNumber<unsigned short>(in + std::ptrdiff_t{2} * i));
         }
         break;
     }

@@ -1,5 +1,6 @@
 #include "qv/text/charset/CharToByteUTF.h"
 
+#include "qv/detail/NumberBytes.h"
 #include "qv/text/charset/detail/WordOrder.h"
 
 namespace qv::text::charset {
@@ -27,7 +28,7 @@ std::int32_t CharToByteUTF::sameEncodingConvert(const char16_t* src, std::int32_
         break;
     case detail::WordOrder::custom:
         for (std::int32_t i = 0; i < count; ++i) {
-            detail::storeWord(out + 2 * i, convertUTF16(in[i]));
+            qv::detail::storeNumber(out + 2 * i, convertUTF16(in[i]));
         }
         break;
     }

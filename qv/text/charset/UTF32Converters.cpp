@@ -1,9 +1,12 @@
 #include "qv/text/charset/UTF32Converters.h"
 
+#include "qv/detail/NumberBytes.h"
 #include "qv/text/charset/detail/UnitRuns.h"
 #include "qv/text/charset/detail/WordOrder.h"
 
 namespace qv::text::charset {
+
+using qv::detail::swappedBytes;
 
 using namespace literals;
 
@@ -20,7 +23,7 @@ struct HostOrder {
 };
 
 struct SwappedOrder {
-    unsigned int operator()(unsigned int word) const noexcept { return detail::swapBytes(word); }
+    unsigned int operator()(unsigned int word) const noexcept { return swappedBytes(word); }
     __m128i operator()(__m128i words) const noexcept {
         const __m128i bytes = _mm_or_si128(_mm_slli_epi16(words, 8), _mm_srli_epi16(words, 8));
         return _mm_or_si128(_mm_slli_epi32(bytes, 16), _mm_srli_epi32(bytes, 16));
@@ -93,7 +96,7 @@ void BTCUTF32::convertWords(detail::Decoding& decoding, Order order) const {
                 return;
             }
         }
-        const unsigned int codePoint = order(detail::loadWord<unsigned int>(decoding.in));
+        const unsigned int codePoint = order(qv::detail::loadNumber<unsigned int>(decoding.in));
         if (decoding.room() < 1 || !writeCodePoint(decoding, codePoint, 1, surrogateMessage)) {
             return;
         }
@@ -123,8 +126,8 @@ unsigned short BTCUTF32LE::convertUTF16(unsigned short word) { return word; }
 unsigned int BTCUTF32LE::convertUTF32(unsigned int word) { return word; }
 
 const char16_t* BTCUTF32BE::getEncodingName() { return u"UTF-32BE"; }
-unsigned short BTCUTF32BE::convertUTF16(unsigned short word) { return detail::swapBytes(word); }
-unsigned int BTCUTF32BE::convertUTF32(unsigned int word) { return detail::swapBytes(word); }
+unsigned short BTCUTF32BE::convertUTF16(unsigned short word) { return swappedBytes(word); }
+unsigned int BTCUTF32BE::convertUTF32(unsigned int word) { return swappedBytes(word); }
 
 template <class Order>
 void CTBUTF32::convertUnits(detail::Encoding& encoding, Order order) {
@@ -147,7 +150,7 @@ void CTBUTF32::convertUnits(detail::Encoding& encoding, Order order) {
             ++encoding.in;
             continue;
         }
-        detail::storeWord(encoding.out, order(codePoint));
+        qv::detail::storeNumber(encoding.out, order(codePoint));
         ++encoding.in;
         encoding.out += wordSize;
     }
@@ -179,7 +182,7 @@ unsigned short CTBUTF32LE::convertUTF16(unsigned short word) { return word; }
 unsigned int CTBUTF32LE::convertUTF32(unsigned int word) { return word; }
 
 const char16_t* CTBUTF32BE::getEncodingName() { return u"UTF-32BE"; }
-unsigned short CTBUTF32BE::convertUTF16(unsigned short word) { return detail::swapBytes(word); }
-unsigned int CTBUTF32BE::convertUTF32(unsigned int word) { return detail::swapBytes(word); }
+unsigned short CTBUTF32BE::convertUTF16(unsigned short word) { return swappedBytes(word); }
+unsigned int CTBUTF32BE::convertUTF32(unsigned int word) { return swappedBytes(word); }
 
 } // namespace qv::text::charset

@@ -1,5 +1,6 @@
 #include "qv/text/charset/detail/WordOrder.h"
 
+#include "qv/detail/NumberBytes.h"
 #include "qv/text/charset/UTF16Converters.h"
 #include "qv/text/charset/UTF32Converters.h"
 
@@ -43,7 +44,7 @@ void swapWords(const void* in, void* out, std::int32_t count) noexcept {
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to), swapped);
     }
     for (; count > 0; --count, from += 2, to += 2) {
-        storeWord(to, swapBytes(loadWord<unsigned short>(from)));
+        qv::detail::storeBigEndian(to, qv::detail::loadNumber<unsigned short>(from));
     }
 }
 

@@ -22,20 +22,6 @@ enum class WordOrder {
 WordOrder wordOrderOf(const ByteToCharUTF& decoder) noexcept;
 WordOrder wordOrderOf(const CharToByteUTF& encoder) noexcept;
 
-inline unsigned short swapBytes(unsigned short word) noexcept { return __builtin_bswap16(word); }
-inline unsigned int swapBytes(unsigned int word) noexcept { return __builtin_bswap32(word); }
-
-template <class Word>
-Word loadWord(const void* from) noexcept {
-    Word word;
-    std::memcpy(&word, from, sizeof word);
-    return word;
-}
-template <class Word>
-void storeWord(void* to, Word word) noexcept {
-    std::memcpy(to, &word, sizeof word);
-}
-
 /// Words to move: the fewer of the two, and none where a range is reversed.
 constexpr std::int32_t wordCount(std::int32_t available, std::int32_t room) noexcept {
     const std::int32_t count = available < room ? available : room;
